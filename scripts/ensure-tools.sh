@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs the tools a build needs when the machine lacks them (Debian, as root).
+# Usage: scripts/ensure-tools.sh [native] [cross]
+set -euo pipefail
+
+need=()
+want() { # want COMMAND PACKAGE
+  command -v "$1" >/dev/null 2>&1 || need+=("$2")
+}
+for what in "${@:-native}"; do
+  case "$what" in
+    native)
+      want cmake cmake
+      want g++ g++
+      want make make
+      want bison bison
+      [ -f /usr/src/googletest/CMakeLists.txt ] || need+=(googletest)
+      ;;
+    cross)
+      want arm-linux-gnueabihf-g++ g++-arm-linux-gnueabihf
+      want qemu-arm qemu-user
+      ;;
+    *) echo "ensure-tools: unknown set '$what'" >&2; exit 2 ;;
+  esac
+done
+[ ${#need[@]} -eq 0 ] && exit 0
+
+echo "Installing: ${need[*]}" >&2
+SUDO=""
+[ "$(id -u)" = 0 ] || SUDO="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq "${need[@]}" >/dev/null
