@@ -3,6 +3,8 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
+# Paths relative to the checkout let several checkouts share cached objects.
+export CCACHE_BASEDIR := $(CURDIR)
 
 .PHONY: run test build tools clean
 
