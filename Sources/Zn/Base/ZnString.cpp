@@ -361,8 +361,8 @@ void AppendPrintf(MutableString* theString, const char* theSubFormat, int theSta
 bool IsOctal(unsigned theCharacter) { return theCharacter >= '0' && theCharacter <= '7'; }
 
 template <class CharT>
-void AppendFormatImpl(MutableString* theString, const CharT* theFormat, Sys::size_t theLength, va_list theArgs) {
-  theString->ensureCapacity(theString->length() + ZnIndex(2 * theLength));
+void AppendFormatImpl(MutableString* theStringOut, const CharT* theFormat, Sys::size_t theLength, va_list theArgs) {
+  theStringOut->ensureCapacity(theStringOut->length() + ZnIndex(2 * theLength));
   Sys::size_t len = theLength;
   for (Sys::size_t i = 0; i < len; ++i) {
     unsigned c = theFormat[i];
@@ -374,20 +374,20 @@ void AppendFormatImpl(MutableString* theString, const CharT* theFormat, Sys::siz
       unsigned e = theFormat[++i];
       switch (e) {
       case '\'':
-      case '\\': theString->appendCharacter(ZnUnichar(e)); break;
-      case 'a': theString->appendCharacter(7); break;
-      case 'b': theString->appendCharacter(8); break;
-      case 'f': theString->appendCharacter(12); break;
-      case 'n': theString->appendCharacter(10); break;
-      case 'r': theString->appendCharacter(13); break;
-      case 't': theString->appendCharacter(9); break;
-      case 'v': theString->appendCharacter(11); break;
+      case '\\': theStringOut->appendCharacter(ZnUnichar(e)); break;
+      case 'a': theStringOut->appendCharacter(7); break;
+      case 'b': theStringOut->appendCharacter(8); break;
+      case 'f': theStringOut->appendCharacter(12); break;
+      case 'n': theStringOut->appendCharacter(10); break;
+      case 'r': theStringOut->appendCharacter(13); break;
+      case 't': theStringOut->appendCharacter(9); break;
+      case 'v': theStringOut->appendCharacter(11); break;
       default:
         if (IsOctal(e)) {
           unsigned value = e - '0';
           for (int k = 0; k < 2 && i + 1 < len && IsOctal(theFormat[i + 1]); ++k)
             value = value * 8 + (theFormat[++i] - '0');
-          theString->appendCharacter(ZnUnichar(value % 256));
+          theStringOut->appendCharacter(ZnUnichar(value % 256));
         } else {
           ZnAssert(!"unknown backslash escape sequence", 0);
         }
@@ -395,7 +395,7 @@ void AppendFormatImpl(MutableString* theString, const CharT* theFormat, Sys::siz
       continue;
     }
     if (c != '%') {
-      theString->appendCharacter(ZnUnichar(c));
+      theStringOut->appendCharacter(ZnUnichar(c));
       continue;
     }
     // Collect the conversion into a sub-format for the C library.
@@ -425,48 +425,48 @@ void AppendFormatImpl(MutableString* theString, const CharT* theFormat, Sys::siz
     bool isLong = !isLongLong && std::strchr(subFormat, 'l');
     bool isSize = std::strchr(subFormat, 'z') || std::strchr(subFormat, 't');
     switch (conversion) {
-    case '%': theString->appendCharacter('%'); break;
+    case '%': theStringOut->appendCharacter('%'); break;
     case '@': {
       const Object* object = va_arg(theArgs, const Object*);
       if (object == nullptr) {
-        theString->appendCString("(NULL)");
+        theStringOut->appendCString("(NULL)");
         break;
       }
       auto text = adopt(object->description());
       if (!text)
-        theString->appendCString("(NULL DESCRIPTION)");
+        theStringOut->appendCString("(NULL DESCRIPTION)");
       else
-        theString->appendString(text.get());
+        theStringOut->appendString(text.get());
       break;
     }
-    case 'c': theString->appendCharacter(ZnUnichar(va_arg(theArgs, int))); break;
+    case 'c': theStringOut->appendCharacter(ZnUnichar(va_arg(theArgs, int))); break;
     case 's': {
-      const char* text = va_arg(theArgs, const char*);
-      ZnAssert(text != NULL, 0);
-      if (text)
-        theString->appendCString(text);
+      const char* theString = va_arg(theArgs, const char*);
+      ZnAssert(theString != NULL, 0);
+      if (theString)
+        theStringOut->appendCString(theString);
       break;
     }
     case 'p':
-    case 'P': AppendPrintf(theString, subFormat, stars, starValues, va_arg(theArgs, void*)); break;
+    case 'P': AppendPrintf(theStringOut, subFormat, stars, starValues, va_arg(theArgs, void*)); break;
     case 'a':
     case 'e':
     case 'f':
     case 'g':
       if (std::strchr(subFormat, 'L'))
-        AppendPrintf(theString, subFormat, stars, starValues, va_arg(theArgs, long double));
+        AppendPrintf(theStringOut, subFormat, stars, starValues, va_arg(theArgs, long double));
       else
-        AppendPrintf(theString, subFormat, stars, starValues, va_arg(theArgs, double));
+        AppendPrintf(theStringOut, subFormat, stars, starValues, va_arg(theArgs, double));
       break;
     default:
       if (isLongLong)
-        AppendPrintf(theString, subFormat, stars, starValues, va_arg(theArgs, long long));
+        AppendPrintf(theStringOut, subFormat, stars, starValues, va_arg(theArgs, long long));
       else if (isSize)
-        AppendPrintf(theString, subFormat, stars, starValues, va_arg(theArgs, Sys::size_t));
+        AppendPrintf(theStringOut, subFormat, stars, starValues, va_arg(theArgs, Sys::size_t));
       else if (isLong)
-        AppendPrintf(theString, subFormat, stars, starValues, va_arg(theArgs, long));
+        AppendPrintf(theStringOut, subFormat, stars, starValues, va_arg(theArgs, long));
       else
-        AppendPrintf(theString, subFormat, stars, starValues, va_arg(theArgs, int));
+        AppendPrintf(theStringOut, subFormat, stars, starValues, va_arg(theArgs, int));
     }
   }
 }
