@@ -1,8 +1,10 @@
 //===- ZnString.cpp - Immutable and growable UTF-16 text -------------------===//
 #include "Zn/Base/ZnString.h"
 #include "Zn/Base/ZnAssert.h"
+#include "Zn/Base/ZnData.h"
 #include "Zn/Base/ZnMemory.h"
 #include "Zn/Base/ZnRef.h"
+#include "Zn/Base/ZnStringEncoding.h"
 #include "Zn/IO/ZnWriter.h"
 #include <cmath>
 #include <cstdio>
@@ -39,6 +41,56 @@ String::String(const ZnUnichar* theCharacters, ZnIndex theLength) {
 }
 
 String::~String() { Free(characters_); }
+
+//===--- Conversion with encodings -------------------------------------------===//
+
+String* String::createWithBytes(const char* theString, ZnIndex theLength, StringEncoding* theEncoding) {
+  ZnAssert(theString != NULL, 0);
+  ZnAssert(theEncoding != NULL, 0);
+  if (theLength < 0)
+    theLength = ZnIndex(StringLength(theString));
+  auto string = adopt(new MutableString());
+  const uint8_t* bytes = reinterpret_cast<const uint8_t*>(theString);
+  // Decoders take at most 1024 bytes a call; a sequence cut at the end of a
+  // piece is left unconsumed and starts the next piece.
+  ZnIndex done = 0;
+  while (done < theLength) {
+    ZnIndex piece = theLength - done < 1024 ? theLength - done : 1024;
+    ZnIndex consumed = theEncoding->decodeBytes(bytes + done, piece, string.get(), done == 0);
+    if (consumed <= 0)
+      break;
+    done += consumed;
+  }
+  return string.leak();
+}
+
+String* String::createWithBytes(const char* theString, ZnIndex theLength, int theEncodingID) {
+  auto encoding = adopt(StringEncodingWithID(theEncodingID));
+  return createWithBytes(theString, theLength, encoding.get());
+}
+
+String* String::createWithData(const Data* theData, int theEncodingID) {
+  ZnAssert(theData != NULL, 0);
+  const char* bytes = reinterpret_cast<const char*>(theData->getBytesPtr());
+  return createWithBytes(bytes ? bytes : "", theData->getLength(), theEncodingID);
+}
+
+MutableData* String::createData(StringEncoding* theEncoding) const {
+  ZnAssert(theEncoding != NULL, 0);
+  return StringEncoding::dataFromCharacters(theEncoding, characters_, length_);
+}
+
+MutableData* String::createData(int theEncodingID) const {
+  auto encoding = adopt(StringEncodingWithID(theEncodingID));
+  return createData(encoding.get());
+}
+
+MutableData* String::createTerminatedData(int theEncodingID) const {
+  MutableData* data = createData(theEncodingID);
+  static const uint8_t kTerminator[4] = {0, 0, 0, 0};
+  data->appendBytes(kTerminator, 4);
+  return data;
+}
 
 ZnUnichar String::characterAtIndex(ZnIndex theIndex) const {
   ZnAssert((theIndex >= 0) && (theIndex < length_), theIndex);

@@ -5,6 +5,8 @@
 #include "Zn/Collection/ZnRange.h"
 
 namespace Zn {
+class Data;
+class MutableData;
 class StringEncoding;
 
 /// Immutable sequence of UTF-16 code units. Every message, description and
@@ -16,6 +18,13 @@ public:
   explicit String(const char* theString, ZnIndex theLength = -1);
   String(const ZnUnichar* theCharacters, ZnIndex theLength);
 
+  /// +1. theLength bytes (a negative length reads to the terminator) decoded
+  /// with theEncoding, of any length.
+  static String* createWithBytes(const char* theString, ZnIndex theLength, StringEncoding* theEncoding);
+  /// +1. The same with the encoding numbered theEncodingID.
+  static String* createWithBytes(const char* theString, ZnIndex theLength, int theEncodingID);
+  static String* createWithData(const Data* theData, int theEncodingID);
+
   ZnIndex length() const { return length_; }
   ZnUnichar characterAtIndex(ZnIndex theIndex) const;
   /// Borrowed; valid until the string changes. Not terminated.
@@ -26,6 +35,13 @@ public:
   String* substringFromIndex(ZnIndex theIndex) const;
   /// +1. The first theIndex + 1 units: the unit at theIndex is included.
   String* substringToIndex(ZnIndex theIndex) const;
+
+  /// +1. The units encoded with theEncoding, or with the encoding numbered
+  /// theEncodingID.
+  MutableData* createData(StringEncoding* theEncoding) const;
+  MutableData* createData(int theEncodingID) const;
+  /// +1. The same followed by four zero bytes, a terminator in any encoding.
+  MutableData* createTerminatedData(int theEncodingID) const;
 
   /// 0 when equal; without case sensitivity A-Z fold to a-z on both sides.
   int32_t compareToCString(const char* theCString, bool theCaseSensitive) const;

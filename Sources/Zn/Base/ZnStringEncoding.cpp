@@ -1,0 +1,398 @@
+//===- ZnStringEncoding.cpp - Conversions between code units and bytes ----===//
+#include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/Base/ZnAssert.h"
+#include "Zn/Base/ZnData.h"
+#include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnString.h"
+
+namespace Zn {
+
+//===--- StringEncoding ------------------------------------------------------===//
+
+MutableData* StringEncoding::dataFromCharacters(StringEncoding* theEncoding, const ZnUnichar* theCharacters,
+                                                ZnIndex theCount) {
+  auto data = adopt(new MutableData());
+  bool isFirst = true;
+  while (theCount > 0) {
+    ZnIndex chunkSize = theCount < 1024 ? theCount : 1024;
+    ZnIndex charCount = theEncoding->encodeCharacters(theCharacters, chunkSize, data.get(), isFirst);
+    ZnAssert(charCount <= chunkSize, charCount);
+    isFirst = false;
+    theCharacters += charCount;
+    theCount -= charCount;
+  }
+  return data.leak();
+}
+
+MutableString* StringEncoding::stringFromBytes(StringEncoding* theEncoding, const uint8_t* theBytes,
+                                               ZnIndex theCount) {
+  auto string = adopt(new MutableString());
+  bool isFirst = true;
+  while (theCount > 0) {
+    ZnIndex chunkSize = theCount < 1024 ? theCount : 1024;
+    ZnIndex byteCount = theEncoding->decodeBytes(theBytes, theCount, string.get(), isFirst);
+    ZnAssert(byteCount <= chunkSize, byteCount);
+    if (byteCount <= 0)
+      break;
+    isFirst = false;
+    theBytes += byteCount;
+    theCount -= byteCount;
+  }
+  return string.leak();
+}
+
+const char* StringEncoding::className() const { return "StringEncoding"; }
+const char* StringEncoding::superclassName() const { return "Object"; }
+
+StringEncoding* StringEncodingWithID(int theID) {
+  switch (theID) {
+  case kStringEncodingUTF16SwappedWithBOM: return new UTF16Encoding(true, true);
+  case kStringEncodingUTF16Swapped: return new UTF16Encoding(true, false);
+  case kStringEncodingUTF16WithBOM: return new UTF16Encoding(false, true);
+  case kStringEncodingUTF16: return new UTF16Encoding(false, false);
+  case kStringEncodingUTF8WithBOM: return new UTF8Encoding(true);
+  case kStringEncodingUTF8: return new UTF8Encoding(false);
+  case kStringEncodingASCII: return new ASCIIEncoding(false);
+  case kStringEncodingASCIIEscaped: return new ASCIIEncoding(true);
+  default: return nullptr;
+  }
+}
+
+// Widens 8-bit characters to units of the same value.
+static ZnIndex DecodeLatin1(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString) {
+  if (theCount <= 0)
+    return 0;
+  ZnIndex length = theString->length();
+  theString->ensureCapacity(length + theCount);
+  ZnUnichar* out = theString->getMutableCharactersPtr() + length;
+  for (ZnIndex i = 0; i < theCount; ++i)
+    out[i] = theBytes[i];
+  theString->setLength(length + theCount);
+  return theCount;
+}
+
+//===--- UTF16Encoding -------------------------------------------------------===//
+
+namespace {
+// Writes the mark (opposite in order to the data behind it), then each
+// character as two bytes.
+template <class CharT>
+ZnIndex EncodeUTF16(const CharT* theCharacters, ZnIndex theCount, MutableData* theData, bool theWriteMark,
+                    bool theSwapBytes) {
+  if (theCount <= 0)
+    return 0;
+  uint8_t* out = theData->beginAppend(2 * theCount + 2);
+  if (theWriteMark) {
+    *out++ = theSwapBytes ? 0xFF : 0xFE;
+    *out++ = theSwapBytes ? 0xFE : 0xFF;
+  }
+  for (ZnIndex i = 0; i < theCount; ++i) {
+    ZnUnichar c = theCharacters[i];
+    *out++ = uint8_t(theSwapBytes ? c >> 8 : c);
+    *out++ = uint8_t(theSwapBytes ? c : c >> 8);
+  }
+  theData->endAppend(out);
+  return theCount;
+}
+} // namespace
+
+ZnIndex UTF16Encoding::encodeCharacters(const ZnUnichar* theCharacters, ZnIndex theCount, MutableData* theData,
+                                        bool theIsFirst) {
+  return EncodeUTF16(theCharacters, theCount, theData, theIsFirst && writeBOM_, swapBytes_);
+}
+
+ZnIndex UTF16Encoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableData* theData,
+                                   bool theIsFirst) {
+  return EncodeUTF16(theBytes, theCount, theData, theIsFirst && writeBOM_, swapBytes_);
+}
+
+ZnIndex UTF16Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString,
+                                   bool theIsFirst) {
+  ZnIndex consumed = theCount & ~1;
+  ZnIndex i = 0;
+  if (theIsFirst && consumed >= 2) {
+    if (theBytes[0] == 0xFF && theBytes[1] == 0xFE) {
+      swapBytes_ = writeBOM_ = true;
+      i = 2;
+    } else if (theBytes[0] == 0xFE && theBytes[1] == 0xFF) {
+      swapBytes_ = false;
+      writeBOM_ = true;
+      i = 2;
+    }
+  }
+  ZnIndex length = theString->length();
+  theString->ensureCapacity(length + (consumed - i) / 2);
+  ZnUnichar* out = theString->getMutableCharactersPtr() + length;
+  for (; i < consumed; i += 2) {
+    uint8_t first = theBytes[i], second = theBytes[i + 1];
+    *out++ = swapBytes_ ? ZnUnichar(first << 8 | second) : ZnUnichar(second << 8 | first);
+  }
+  theString->setLength(ZnIndex(out - theString->getMutableCharactersPtr()));
+  return consumed;
+}
+
+const char* UTF16Encoding::className() const { return "UTF16Encoding"; }
+const char* UTF16Encoding::superclassName() const { return "StringEncoding"; }
+
+//===--- UTF8Encoding --------------------------------------------------------===//
+
+static uint8_t* PutUTF8Mark(uint8_t* theOut) {
+  *theOut++ = 0xEF;
+  *theOut++ = 0xBB;
+  *theOut++ = 0xBF;
+  return theOut;
+}
+
+ZnIndex UTF8Encoding::encodeCharacters(const ZnUnichar* theCharacters, ZnIndex theCount, MutableData* theData,
+                                       bool theIsFirst) {
+  if (theCount <= 0)
+    return 0;
+  uint8_t* out = theData->beginAppend(3 * theCount + 3);
+  if (theIsFirst && writeBOM_)
+    out = PutUTF8Mark(out);
+  for (ZnIndex i = 0; i < theCount; ++i) {
+    ZnUnichar u = theCharacters[i];
+    if (u < 0x80) {
+      *out++ = uint8_t(u);
+    } else if (u < 0x800) {
+      *out++ = uint8_t(0xC0 | (u >> 6));
+      *out++ = uint8_t(0x80 | (u & 0x3F));
+    } else {
+      // Surrogates too: each half is its own three-byte sequence.
+      *out++ = uint8_t(0xE0 | (u >> 12));
+      *out++ = uint8_t(0x80 | ((u >> 6) & 0x3F));
+      *out++ = uint8_t(0x80 | (u & 0x3F));
+    }
+  }
+  theData->endAppend(out);
+  return theCount;
+}
+
+ZnIndex UTF8Encoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableData* theData,
+                                  bool theIsFirst) {
+  if (theCount <= 0)
+    return 0;
+  if (theIsFirst && writeBOM_)
+    theData->endAppend(PutUTF8Mark(theData->beginAppend(3)));
+  theData->appendBytes(theBytes, theCount);
+  return theCount;
+}
+
+ZnIndex UTF8Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString,
+                                  bool theIsFirst) {
+  if (theCount <= 0)
+    return 0;
+  ZnIndex length = theString->length();
+  // Every byte yields at most one unit.
+  theString->ensureCapacity(length + theCount);
+  ZnUnichar* const start = theString->getMutableCharactersPtr() + length;
+  ZnUnichar* out = start;
+  ZnIndex i = 0;
+  while (i < theCount) {
+    uint32_t b = theBytes[i];
+    // Up to 0xBF one byte, stray continuation bytes included.
+    if (b < 0xC0) {
+      *out++ = ZnUnichar(b & 0x7F);
+      ++i;
+      continue;
+    }
+    ZnIndex size;
+    uint32_t value;
+    if (b < 0xE0) {
+      size = 2;
+      value = b & 0x1F;
+    } else if (b < 0xF0) {
+      size = 3;
+      value = b & 0x0F;
+    } else if (b < 0xF8) {
+      size = 4;
+      value = b & 0x07;
+    } else if (b < 0xFC) {
+      size = 5;
+      value = b & 0x03;
+    } else {
+      size = 6;
+      value = b & 0x01;
+    }
+    // Cut off: leave the sequence for the caller to complete.
+    if (theCount - i < size)
+      break;
+    for (ZnIndex k = 1; k < size; ++k)
+      value = (value << 6) | (theBytes[i + k] & 0x3F);
+    value &= 0xFFFF;
+    if (theIsFirst && i == 0 && size >= 3 && (value == 0xFEFF || value == 0xFFFE))
+      writeBOM_ = true;
+    else
+      *out++ = ZnUnichar(value);
+    i += size;
+  }
+  theString->setLength(length + ZnIndex(out - start));
+  return i;
+}
+
+const char* UTF8Encoding::className() const { return "UTF8Encoding"; }
+const char* UTF8Encoding::superclassName() const { return "StringEncoding"; }
+
+//===--- ASCIIEncoding -------------------------------------------------------===//
+
+ZnIndex ASCIIEncoding::encodeCharacters(const ZnUnichar* theCharacters, ZnIndex theCount, MutableData* theData,
+                                        bool) {
+  if (theCount <= 0)
+    return 0;
+  static const char kHex[] = "0123456789abcdef";
+  uint8_t* out = theData->beginAppend(theCount);
+  for (ZnIndex i = 0; i < theCount; ++i) {
+    ZnUnichar u = theCharacters[i];
+    if (u <= 0xFF) {
+      *out++ = uint8_t(u);
+      continue;
+    }
+    if (!escapeUnicode_) {
+      theData->endAppend(out);
+      return i;
+    }
+    // The escape takes five bytes more than the one reserved for the unit.
+    theData->endAppend(out);
+    out = theData->beginAppend(theCount - i + 5);
+    *out++ = '\\';
+    *out++ = 'u';
+    for (int shift = 12; shift >= 0; shift -= 4)
+      *out++ = uint8_t(kHex[(u >> shift) & 0xF]);
+  }
+  theData->endAppend(out);
+  return theCount;
+}
+
+ZnIndex ASCIIEncoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableData* theData, bool) {
+  if (theCount <= 0)
+    return 0;
+  theData->appendBytes(theBytes, theCount);
+  return theCount;
+}
+
+ZnIndex ASCIIEncoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString, bool) {
+  return DecodeLatin1(theBytes, theCount, theString);
+}
+
+const char* ASCIIEncoding::className() const { return "ASCIIEncoding"; }
+const char* ASCIIEncoding::superclassName() const { return "StringEncoding"; }
+
+//===--- HTMLEncoding --------------------------------------------------------===//
+
+HTMLEncoding::HTMLEncoding(StringEncoding* theInner)
+    : inner_(theInner ? retained(theInner) : adopt<StringEncoding>(new UTF8Encoding(false))),
+      innerIsASCII_(dynamic_cast<ASCIIEncoding*>(inner_.get()) != nullptr) {}
+
+namespace {
+struct Markup {
+  const char* text;
+  ZnIndex length;
+  ZnIndex consumed;
+};
+
+// The markup that stands for theCharacter (theNext is the character after
+// it, 0xFFFF at the end), or a null text when it needs none.
+Markup MarkupFor(ZnUnichar theCharacter, ZnUnichar theNext) {
+  switch (theCharacter) {
+  case 9: return {"&#160;&#160;&#160;&#160;", 24, 1};
+  case 10: return {"<br/>\n", 6, 1};
+  case 13: return theNext == 10 ? Markup{"<br/>\r\n", 7, 2} : Markup{"<br/>\r", 6, 1};
+  case '"': return {"&quot;", 6, 1};
+  case '&': return {"&amp;", 5, 1};
+  case '\'': return {"&apos;", 6, 1};
+  case '<': return {"&lt;", 4, 1};
+  case '>': return {"&gt;", 4, 1};
+  default: return {nullptr, 0, 0};
+  }
+}
+
+bool NeedsMarkup(ZnUnichar theCharacter, bool theNumericReferences) {
+  switch (theCharacter) {
+  case 9:
+  case 10:
+  case 13:
+  case '"':
+  case '&':
+  case '\'':
+  case '<':
+  case '>': return true;
+  default: return theNumericReferences && theCharacter >= 128;
+  }
+}
+} // namespace
+
+ZnIndex HTMLEncoding::encodePlain(const ZnUnichar* theCharacters, ZnIndex theCount, MutableData* theData,
+                                  bool theIsFirst) {
+  return inner_->encodeCharacters(theCharacters, theCount, theData, theIsFirst);
+}
+
+ZnIndex HTMLEncoding::encodePlain(const uint8_t* theBytes, ZnIndex theCount, MutableData* theData,
+                                  bool theIsFirst) {
+  // Bytes reach the inner encoding as units, widened a piece at a time.
+  ZnUnichar units[256];
+  ZnIndex done = 0;
+  while (done < theCount) {
+    ZnIndex piece = theCount - done < 256 ? theCount - done : 256;
+    for (ZnIndex k = 0; k < piece; ++k)
+      units[k] = theBytes[done + k];
+    ZnIndex written = inner_->encodeCharacters(units, piece, theData, theIsFirst && done == 0);
+    done += written;
+    if (written < piece)
+      break;
+  }
+  return done;
+}
+
+template <class CharT>
+ZnIndex HTMLEncoding::encodeEscaped(const CharT* theCharacters, ZnIndex theCount, MutableData* theData,
+                                    bool theIsFirst, bool theNumericReferences) {
+  ZnIndex i = 0;
+  while (i < theCount) {
+    bool isFirst = theIsFirst && i == 0;
+    // Characters that need no markup go to the inner encoding as one run.
+    ZnIndex runEnd = i;
+    while (runEnd < theCount && !NeedsMarkup(theCharacters[runEnd], theNumericReferences))
+      ++runEnd;
+    if (runEnd > i) {
+      ZnIndex written = encodePlain(theCharacters + i, runEnd - i, theData, isFirst);
+      if (written < runEnd - i)
+        return i + written;
+      i = runEnd;
+      continue;
+    }
+    ZnUnichar next = i + 1 < theCount ? theCharacters[i + 1] : 0xFFFF;
+    Markup markup = MarkupFor(theCharacters[i], next);
+    char reference[16];
+    if (markup.text == nullptr) {
+      int length = StringFormat(reference, sizeof reference, "&#%04x;", unsigned(theCharacters[i]));
+      markup = {reference, length, 1};
+    }
+    if (inner_->encodeBytes(reinterpret_cast<const uint8_t*>(markup.text), markup.length, theData, isFirst) <
+        markup.length)
+      return i;
+    i += markup.consumed;
+  }
+  return i;
+}
+
+ZnIndex HTMLEncoding::encodeCharacters(const ZnUnichar* theCharacters, ZnIndex theCount, MutableData* theData,
+                                       bool theIsFirst) {
+  if (raw_)
+    return inner_->encodeCharacters(theCharacters, theCount, theData, theIsFirst);
+  return encodeEscaped(theCharacters, theCount, theData, theIsFirst, innerIsASCII_);
+}
+
+ZnIndex HTMLEncoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableData* theData,
+                                  bool theIsFirst) {
+  if (raw_)
+    return inner_->encodeBytes(theBytes, theCount, theData, theIsFirst);
+  return encodeEscaped(theBytes, theCount, theData, theIsFirst, false);
+}
+
+ZnIndex HTMLEncoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString, bool) {
+  return DecodeLatin1(theBytes, theCount, theString);
+}
+
+const char* HTMLEncoding::className() const { return "HTMLEncoding"; }
+const char* HTMLEncoding::superclassName() const { return "StringEncoding"; }
+} // namespace Zn
