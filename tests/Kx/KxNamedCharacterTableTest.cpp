@@ -1,0 +1,89 @@
+//===- KxNamedCharacterTableTest.cpp - The committed table and its lookups -===//
+#include "Kx/KxNamedCharacterTable.h"
+#include "Support/ZnTestSupport.h"
+#include <fstream>
+#include <set>
+#include <string>
+
+using namespace Zn;
+using namespace Zn::Kx;
+
+namespace {
+const char* const kTablePath = NBTEXT_SOURCE_DIR "/../shared/named-characters.tsv";
+} // namespace
+
+// The generated table must be the TSV, row for row, in the same order.
+TEST(NamedCharacterTableTest, CommittedTableMatchesTheSourceTable) {
+  std::ifstream tsv(kTablePath);
+  if (!tsv)
+    GTEST_SKIP() << kTablePath << " is not there; the committed table is not compared";
+  ZnIndex count = 0;
+  const NamedCharacter* rows = GetNamedCharacterRows(&count);
+  std::string line;
+  std::getline(tsv, line);
+  EXPECT_EQ(line, "code\tname");
+  ZnIndex row = 0;
+  while (std::getline(tsv, line)) {
+    if (line.empty())
+      continue;
+    ASSERT_LT(row, count) << "the TSV has more rows than the table";
+    size_t tab = line.find('\t');
+    ASSERT_NE(tab, std::string::npos) << line;
+    EXPECT_EQ(std::stoul(line.substr(0, tab), nullptr, 16), rows[row].code) << "row " << row;
+    EXPECT_EQ(line.substr(tab + 1), rows[row].name) << "row " << row;
+    ++row;
+  }
+  EXPECT_EQ(row, count) << "the table has more rows than the TSV";
+}
+
+// Every name finds its own code point and every code point its own name,
+// which also proves that no two rows share either.
+TEST(NamedCharacterTableTest, EveryRowIsFoundBothWays) {
+  ZnIndex count = 0;
+  const NamedCharacter* rows = GetNamedCharacterRows(&count);
+  ASSERT_EQ(count, 882);
+  NamedCharacterTable table;
+  table.load(rows, count);
+  std::set<std::string> names;
+  std::set<ZnUnichar> codes;
+  for (ZnIndex i = 0; i < count; ++i) {
+    names.insert(rows[i].name);
+    codes.insert(rows[i].code);
+    std::string name = rows[i].name;
+    std::u16string units(name.begin(), name.end());
+    ZnUnichar byBytes = 0, byUnits = 0;
+    EXPECT_TRUE(table.codeForName(name.data(), ZnIndex(name.size()), &byBytes)) << name;
+    EXPECT_TRUE(table.codeForName(reinterpret_cast<const ZnUnichar*>(units.data()), ZnIndex(units.size()), &byUnits))
+        << name;
+    EXPECT_EQ(byBytes, rows[i].code) << name;
+    EXPECT_EQ(byUnits, rows[i].code) << name;
+    ZnIndex length = 0;
+    const char* back = table.nameForCode(rows[i].code, &length);
+    ASSERT_NE(back, nullptr) << name;
+    EXPECT_EQ(std::string(back, size_t(length)), name);
+  }
+  EXPECT_EQ(names.size(), 882u);
+  EXPECT_EQ(codes.size(), 882u);
+}
+
+TEST(NamedCharacterTableTest, NearMissesAreUnknown) {
+  ZnIndex count = 0;
+  const NamedCharacter* rows = GetNamedCharacterRows(&count);
+  NamedCharacterTable table;
+  ZnUnichar code = 0x1234;
+  EXPECT_FALSE(table.codeForName("Alpha", 5, &code)) << "an empty table knows no names";
+  ZnIndex length = 0;
+  EXPECT_EQ(table.nameForCode(0x03B1, &length), nullptr);
+  table.load(rows, count);
+  const char* const kMisses[] = {"", "alpha", "Alph", "Alphaa", "ALPHA", "Alpha ", "NoSuchName",
+                                 "CounterClockwiseContourIntegralX"};
+  for (const char* miss : kMisses)
+    EXPECT_FALSE(table.codeForName(miss, ZnIndex(std::string(miss).size()), &code)) << miss;
+  EXPECT_EQ(code, 0x1234) << "a failed lookup must not touch the result";
+  // A unit above 255 whose low byte spells the name is not the name.
+  const ZnUnichar kWide[] = {0x141, 'l', 'p', 'h', 'a'};
+  EXPECT_FALSE(table.codeForName(kWide, 5, &code));
+  const uint8_t kHigh[] = {0xC1, 'l', 'p', 'h', 'a'};
+  EXPECT_FALSE(table.codeForName(kHigh, 5, &code));
+  EXPECT_EQ(table.nameForCode('a', &length), nullptr);
+}
