@@ -29,6 +29,28 @@ public:
   const char* superclassName() const override;
 };
 
+/// One plain value of type T, compared by its bytes. Instantiated for
+/// Object* (a pointer that is not retained; pairs look through it to the
+/// object) and unsigned short (a UTF-16 unit).
+template <class T> class ValueType : public Value {
+public:
+  explicit ValueType(T theValue) : value_(theValue) {}
+  using Value::getValue;
+  T getValue() const { return value_; }
+
+  ZnIndex getSize() const override { return ZnIndex(sizeof(T)); }
+  const void* getBytes() const override { return &value_; }
+  const char* getTypeName() const override;
+  const char* className() const override { return "ValueType"; }
+  const char* superclassName() const override { return "Value"; }
+
+private:
+  T value_;
+};
+
+template <> inline const char* ValueType<Object*>::getTypeName() const { return "ValueType<Zn::Object*>"; }
+template <> inline const char* ValueType<unsigned short>::getTypeName() const { return "ValueType<unsigned short>"; }
+
 /// The value that holds nothing; all nulls are equal.
 class Null : public Value {
 public:
