@@ -2,6 +2,8 @@
 #include "Zn/Base/ZnData.h"
 #include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnRef.h"
+#include "Zn/IO/ZnDataStream.h"
 #include <cstdio>
 
 namespace Zn {
@@ -58,6 +60,30 @@ bool Data::writeToFile(const char* thePath) const {
   std::fclose(file);
   return written == Sys::size_t(length_);
 }
+
+MutableData* Data::dataWithContentsOfStream(Stream* theStream) {
+  ZnAssert(theStream != NULL, 0);
+  auto data = adopt(new MutableData());
+  uint8_t block[1024];
+  for (;;) {
+    ZnIndex got = theStream->read(block, ZnIndex(sizeof block), -1.0);
+    if (got <= 0)
+      break;
+    theStream->addToReadCount(got);
+    data->appendBytes(block, got);
+  }
+  return data.leak();
+}
+
+static Stream* CreateStream(Data* theData, bool readable, bool writable) {
+  ZnAssert(theData != NULL, 0);
+  ZnAssert(!writable || (dynamic_cast<MutableData*>(theData) != NULL), 0);
+  return new DataStream(theData, readable, writable);
+}
+
+Stream* Data::createReadStream(Data* theData) { return CreateStream(theData, true, false); }
+Stream* Data::createWriteStream(Data* theData) { return CreateStream(theData, false, true); }
+Stream* Data::createReadWriteStream(Data* theData) { return CreateStream(theData, true, true); }
 
 bool Data::isEqual(const Object* theOther) const {
   if (theOther == this)

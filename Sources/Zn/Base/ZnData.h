@@ -4,6 +4,8 @@
 #include "Zn/Collection/ZnRange.h"
 
 namespace Zn {
+class MutableData;
+class Stream;
 
 /// An immutable run of bytes. Encoders write into its mutable subclass, data
 /// streams read and write it, and bit fields of up to 32 bits can be taken
@@ -26,6 +28,14 @@ public:
   /// Writes every byte to a new file; false when it cannot be created or the
   /// write falls short.
   bool writeToFile(const char* thePath) const;
+
+  /// +1. Reads theStream to its end in blocks of up to 1024 bytes.
+  static MutableData* dataWithContentsOfStream(Stream* theStream);
+  /// +1 each. A stream over theData, positioned at its start. Only a
+  /// MutableData may be written through a stream.
+  static Stream* createReadStream(Data* theData);
+  static Stream* createWriteStream(Data* theData);
+  static Stream* createReadWriteStream(Data* theData);
 
   bool isEqual(const Object* theOther) const override;
   uint32_t hash() const override;
