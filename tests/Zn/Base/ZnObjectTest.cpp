@@ -24,6 +24,7 @@ protected:
 // Keeps its memory after destruction so that a late retain can be observed.
 class Lingering : public Probe {
 public:
+  static void* operator new(Sys::size_t theSize) { return Allocate(theSize); }
   static void operator delete(void*) {}
 };
 
