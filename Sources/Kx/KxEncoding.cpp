@@ -1,0 +1,335 @@
+//===- KxEncoding.cpp - Character escapes of notebook text -----------------===//
+#include "Kx/KxEncoding.h"
+#include "Kx/KxNamedCharacterTable.h"
+#include "Zn/Base/ZnAssert.h"
+#include "Zn/Base/ZnData.h"
+#include "Zn/Base/ZnString.h"
+#include "Zn/Util/ZnUtil.h"
+
+namespace Zn::Kx {
+
+//===--- Shared tables ---------------------------------------------------===//
+
+namespace {
+struct ReplacementRow {
+  ZnUnichar code;
+  const char* text;
+};
+
+// What plain text shows in place of characters that have an obvious ASCII
+// spelling, or none at all, in loading order.
+const ReplacementRow kReplacementRows[] = {
+    // Rules and comparisons.
+    {0xF522, "->"}, {0x2192, "->"}, {0xF525, "->"}, {0xF51F, ":>"},
+    {0x2264, "<="}, {0x21D0, "<="}, {0x2265, ">="}, {0x2260, "!="}, {0xF431, "=="},
+    {0xF4A0, "x"},
+    // Dashes, placeholders, separators.
+    {0x2043, "-"}, {0x2010, "-"}, {0x2013, "-"}, {0x2014, "-"},
+    {0xF528, "_"}, {0xF527, "_"}, {0xF432, "|"},
+    // Arrows and skeleton brackets.
+    {0x2190, "<-"}, {0xF526, "<-"}, {0x27F5, "<--"}, {0x27F8, "<=="}, {0x21E4, "|<-"}, {0xF761, "<<"},
+    {0x27F6, "-->"}, {0x21D2, "=>"}, {0x27F9, "==>"}, {0x21E5, "->|"}, {0xF762, ">>"},
+    {0x2194, "<->"}, {0x27F7, "<-->"}, {0x21D4, "<=>"}, {0x27FA, "<==>"},
+    {0xF768, ":"}, {0xF764, ":"},
+    // Line breaks.
+    {0x2028, "\n"}, {0x2029, "\n"}, {0xF3A3, "\n"},
+    // Visible spaces.
+    {0xF76E, " "}, {0xF76F, " "}, {0x200A, " "}, {0x2009, " "}, {0x205F, " "}, {0x2005, " "}, {0x2062, " "},
+    {0xF754, " "},
+    // Invisible characters, dropped.
+    {0xF380, ""}, {0xF760, ""}, {0xF360, ""}, {0xF382, ""}, {0xF383, ""}, {0xF384, ""}, {0xF3A2, ""},
+    {0xF3BA, ""}, {0xF3BB, ""}, {0xF3BC, ""},
+    // Constants.
+    {0x03C0, "Pi"}, {0xF74E, "I"}, {0xF74D, "E"}, {0xF74C, "d"}, {0xF74B, "D"},
+};
+static_assert(sizeof kReplacementRows / sizeof kReplacementRows[0] == 60);
+
+// Built once under the lock below and read-only afterwards. Both start out
+// constant-initialised, so an encoding made during static initialisation
+// finds them usable; the replacements' storage is freed at exit.
+int32_t sSharedTablesLock = 0;
+NamedCharacterTable sNamedCharacters;
+ReplacementTable sStandardReplacements;
+
+void EnsureSharedTables() {
+  if (!sNamedCharacters.isEmpty())
+    return;
+  Lock(&sSharedTablesLock);
+  ZnIndex count = 0;
+  const NamedCharacter* rows = GetNamedCharacterRows(&count);
+  sNamedCharacters.load(rows, count);
+  for (const ReplacementRow& row : kReplacementRows)
+    sStandardReplacements.setReplacement(row.code, row.text);
+  Unlock(&sSharedTablesLock);
+}
+
+//===--- Character helpers -----------------------------------------------===//
+
+// The flag bit that lets a character of theCode's range be written by name.
+uint32_t NameFlagFor(ZnUnichar theCode) {
+  if (theCode < 128)
+    return Encoding::kNameASCII;
+  if (theCode < 256)
+    return Encoding::kNameLatin1;
+  if (theCode >= 0x370 && theCode < 0x400)
+    return Encoding::kNameGreek;
+  if (theCode >= 0xE000 && theCode < 0xF900)
+    return Encoding::kNamePrivateUse;
+  return Encoding::kNameOther;
+}
+
+// The value of a hexadecimal digit, or -1.
+int32_t HexValue(uint32_t theCharacter) {
+  if (theCharacter >= '0' && theCharacter <= '9')
+    return int32_t(theCharacter - '0');
+  if (theCharacter >= 'a' && theCharacter <= 'f')
+    return int32_t(theCharacter - 'a' + 10);
+  if (theCharacter >= 'A' && theCharacter <= 'F')
+    return int32_t(theCharacter - 'A' + 10);
+  return -1;
+}
+
+// The value of theDigits hexadecimal digits, or -1 when one is not a digit.
+template <class CharT> int32_t HexNumber(const CharT* theUnits, ZnIndex theDigits) {
+  int32_t value = 0;
+  for (ZnIndex i = 0; i < theDigits; ++i) {
+    int32_t digit = HexValue(theUnits[i]);
+    if (digit < 0)
+      return -1;
+    value = value * 16 + digit;
+  }
+  return value;
+}
+
+// Fills "\.xx" (theDigits 2) or "\:xxxx" (theDigits 4) in lower case.
+ZnIndex FormatHexEscape(uint32_t theCode, ZnIndex theDigits, char* theOut) {
+  static const char kDigits[] = "0123456789abcdef";
+  theOut[0] = '\\';
+  theOut[1] = theDigits == 2 ? '.' : ':';
+  for (ZnIndex i = 0; i < theDigits; ++i)
+    theOut[2 + i] = kDigits[(theCode >> (4 * (theDigits - 1 - i))) & 0xF];
+  return 2 + theDigits;
+}
+
+void AppendUnits(MutableString* theString, const uint8_t* theBytes, ZnIndex theCount) {
+  ZnIndex length = theString->length();
+  theString->ensureCapacity(length + theCount);
+  ZnUnichar* out = theString->getMutableCharactersPtr() + length;
+  for (ZnIndex i = 0; i < theCount; ++i)
+    out[i] = theBytes[i];
+  theString->setLength(length + theCount);
+}
+
+void AppendUnits(MutableString* theString, const ZnUnichar* theUnits, ZnIndex theCount) {
+  theString->appendCharacters(theUnits, theCount);
+}
+
+// Output adapters for writeCharacter.
+struct DataSink {
+  MutableData* data;
+  void put(uint8_t theByte) { data->appendByte(theByte); }
+  void put(const char* theText, ZnIndex theLength) { data->appendBytes(theText, theLength); }
+};
+
+struct StringSink {
+  MutableString* string;
+  void put(uint8_t theByte) { string->appendCharacter(theByte); }
+  void put(const char* theText, ZnIndex theLength) { string->appendCString(theText, theLength); }
+};
+} // namespace
+
+//===--- Construction ----------------------------------------------------===//
+
+Encoding::Encoding(uint32_t theFlags) : flags_(theFlags) {
+  EnsureSharedTables();
+  names_ = &sNamedCharacters;
+  replacements_ = &sStandardReplacements;
+}
+
+Encoding::~Encoding() = default;
+
+const char* Encoding::className() const { return "Encoding"; }
+const char* Encoding::superclassName() const { return "StringEncoding"; }
+
+void Encoding::setReplacement(ZnUnichar theCode, const char* theText) {
+  ZnAssert(theText != NULL, 0);
+  if (replacements_ != &ownReplacements_) {
+    ownReplacements_.assign(*replacements_);
+    replacements_ = &ownReplacements_;
+  }
+  ownReplacements_.setReplacement(theCode, theText);
+}
+
+//===--- Names -----------------------------------------------------------===//
+
+bool Encoding::lookupNamedCharacter(const String* theName, ZnUnichar* theCode) {
+  ZnAssert(theName != NULL, 0);
+  return lookupNamedCharacter(theName->getCharactersPtr(), theName->length(), theCode);
+}
+
+bool Encoding::lookupNamedCharacter(const ZnUnichar* theName, ZnIndex theLength, ZnUnichar* theCode) {
+  EnsureSharedTables();
+  return sNamedCharacters.codeForName(theName, theLength, theCode);
+}
+
+bool Encoding::lookupNamedCharacter(const uint8_t* theName, ZnIndex theLength, ZnUnichar* theCode) const {
+  return names_->codeForName(theName, theLength, theCode);
+}
+
+//===--- Decoding --------------------------------------------------------===//
+
+template <class CharT>
+ZnIndex Encoding::decode(const CharT* theUnits, ZnIndex theCount, MutableString* theString) const {
+  ZnIndex i = 0;
+  while (i < theCount) {
+    if (theUnits[i] != '\\') {
+      ZnIndex end = i + 1;
+      while (end < theCount && theUnits[end] != '\\')
+        ++end;
+      AppendUnits(theString, theUnits + i, end - i);
+      i = end;
+      continue;
+    }
+    if (i + 1 == theCount)
+      return i; // more bytes may complete the escape
+    uint32_t kind = theUnits[i + 1];
+    if (kind == '[' && (flags_ & kDecodeNames)) {
+      // No name is longer than kMaximumNameLength, so the search for "]"
+      // stops there: a longer run is unknown whatever follows.
+      ZnIndex limit = i + 2 + NamedCharacterTable::kMaximumNameLength + 1;
+      if (limit > theCount)
+        limit = theCount;
+      ZnIndex close = i + 2;
+      while (close < limit && theUnits[close] != ']')
+        ++close;
+      if (close == theCount)
+        return i;
+      ZnUnichar code;
+      if (close < limit && names_->codeForName(theUnits + i + 2, close - i - 2, &code)) {
+        theString->appendCharacter(code);
+        i = close + 1;
+        continue;
+      }
+      // Unknown: the backslash goes out alone and the name follows as text.
+    } else if (kind == '.' && i + 4 <= theCount) {
+      int32_t value = HexNumber(theUnits + i + 2, 2);
+      if (value >= 0) {
+        theString->appendCharacter(ZnUnichar(value));
+        i += 4;
+        continue;
+      }
+    } else if (kind == ':' && i + 6 <= theCount) {
+      int32_t value = HexNumber(theUnits + i + 2, 4);
+      if (value >= 0) {
+        theString->appendCharacter(ZnUnichar(value));
+        i += 6;
+        continue;
+      }
+    }
+    theString->appendCharacter('\\');
+    ++i;
+  }
+  return i;
+}
+
+ZnIndex Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString, bool) {
+  ZnAssert(theString != NULL, 0);
+  return decode(theBytes, theCount, theString);
+}
+
+ZnIndex Encoding::decodeCharacters(const ZnUnichar* theCharacters, ZnIndex theCount,
+                                   MutableString* theString) const {
+  ZnAssert(theString != NULL, 0);
+  return decode(theCharacters, theCount, theString);
+}
+
+//===--- Encoding --------------------------------------------------------===//
+
+template <class Sink>
+bool Encoding::writeCharacter(ZnUnichar theCode, Sink& theSink, uint32_t theFlags) const {
+  ZnIndex length = 0;
+  if (const char* text = replacements_->replacementForCode(theCode, &length)) {
+    theSink.put(text, length);
+    return true;
+  }
+  if ((theFlags & NameFlagFor(theCode)) == 0)
+    return false;
+  const char* name = names_->nameForCode(theCode, &length);
+  if (name == nullptr)
+    return false;
+  theSink.put("\\[", 2);
+  theSink.put(name, length);
+  theSink.put(']');
+  return true;
+}
+
+bool Encoding::encodeCharacter(ZnUnichar theCode, MutableData* theData, uint32_t theFlags) const {
+  ZnAssert(theData != NULL, 0);
+  DataSink sink{theData};
+  return writeCharacter(theCode, sink, theFlags);
+}
+
+bool Encoding::encodeCharacter(ZnUnichar theCode, MutableString* theString, uint32_t theFlags) const {
+  ZnAssert(theString != NULL, 0);
+  StringSink sink{theString};
+  return writeCharacter(theCode, sink, theFlags);
+}
+
+// Units and bytes differ only above 127: a byte from 128 up is a character
+// of its own, a unit there needs an escape.
+template <class CharT> void Encoding::encode(const CharT* theUnits, ZnIndex theCount, MutableData* theData) const {
+  constexpr uint32_t rawLimit = sizeof(CharT) == 1 ? 256 : 128;
+  DataSink sink{theData};
+  for (ZnIndex i = 0; i < theCount; ++i) {
+    ZnUnichar c = theUnits[i];
+    if (writeCharacter(c, sink, flags_))
+      continue;
+    if ((flags_ & kEscapeQuotes) && (c == '"' || c == '\\')) {
+      theData->appendByte('\\');
+      theData->appendByte(uint8_t(c));
+      continue;
+    }
+    if ((c >= 32 && c < rawLimit) || c == '\t' || c == '\n' || c == '\r') {
+      theData->appendByte(uint8_t(c));
+      continue;
+    }
+    char escape[6];
+    theData->appendBytes(escape, FormatHexEscape(c, c < 256 ? 2 : 4, escape));
+  }
+}
+
+ZnIndex Encoding::encodeCharacters(const ZnUnichar* theCharacters, ZnIndex theCount, MutableData* theData, bool) {
+  ZnAssert(theData != NULL, 0);
+  encode(theCharacters, theCount, theData);
+  return theCount;
+}
+
+ZnIndex Encoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableData* theData, bool) {
+  ZnAssert(theData != NULL, 0);
+  encode(theBytes, theCount, theData);
+  return theCount;
+}
+
+void Encoding::escapeString(const ZnUnichar* theCharacters, ZnIndex theCount, MutableString* theString) const {
+  ZnAssert(theString != NULL, 0);
+  StringSink sink{theString};
+  for (ZnIndex i = 0; i < theCount; ++i) {
+    ZnUnichar c = theCharacters[i];
+    if (writeCharacter(c, sink, flags_))
+      continue;
+    if ((flags_ & kEscapeQuotes) && (c == '"' || c == '\\')) {
+      theString->appendCharacter('\\');
+      theString->appendCharacter(c);
+      continue;
+    }
+    if (c == '\t' || c == '\n' || c > 31) {
+      theString->appendCharacter(c);
+      continue;
+    }
+    // Two backslashes: the text is meant to sit inside a quoted string.
+    char escape[6];
+    theString->appendCharacter('\\');
+    sink.put(escape, FormatHexEscape(c, 2, escape));
+  }
+}
+} // namespace Zn::Kx

@@ -1,0 +1,224 @@
+//===- KxEncodingTest.cpp - Reading and writing character escapes ----------===//
+#include "Kx/KxEncoding.h"
+#include "Support/ZnTestSupport.h"
+#include "Zn/Base/ZnData.h"
+#include "Zn/Base/ZnRef.h"
+#include "Zn/Base/ZnString.h"
+#include <string>
+
+using namespace Zn;
+using namespace Zn::Kx;
+
+namespace {
+class EncodingTest : public ZnTest::LeakCheckedTest {};
+
+std::u16string Units(const String* theString) {
+  return std::u16string(reinterpret_cast<const char16_t*>(theString->getCharactersPtr()), size_t(theString->length()));
+}
+
+const ZnUnichar* Ptr(const std::u16string& theUnits) { return reinterpret_cast<const ZnUnichar*>(theUnits.data()); }
+
+struct DecodeCase {
+  const char* input;
+  uint32_t flags;
+  std::u16string expected;
+  ZnIndex consumed; // -1: the whole input
+};
+
+const DecodeCase kDecodeCases[] = {
+    // Names.
+    {"a\\[Alpha]b", 0x100, u"a\u03B1b", -1},
+    {"a\\[Alpha]b", 0x000, u"a\\[Alpha]b", -1},
+    {"\\[RawTab]\\[Pictogram1]", 0x100, u"\t\uF720", -1},
+    {"\\[NoSuchName]x", 0x100, u"\\[NoSuchName]x", -1},
+    {"\\[]", 0x100, u"\\[]", -1},
+    {"\\[\\[Alpha]]", 0x100, u"\\[\u03B1]", -1},
+    // A run too long to be a name is text, even without its "]".
+    {"\\[xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx", 0x100,
+     u"\\[xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx", -1},
+    // Hexadecimal escapes; surrogates come through as two units.
+    {"\\.41\\.e9", 0x100, u"A\u00E9", -1},
+    {"\\:03b1\\:03B1", 0x000, u"\u03B1\u03B1", -1},
+    {"\\:d83d\\:de00", 0x100, u"\U0001F600", -1},
+    {"\\.zz\\:03g1\\q", 0x100, u"\\.zz\\:03g1\\q", -1},
+    // Truncations: what more bytes could complete stays unconsumed.
+    {"ab\\", 0x100, u"ab", 2},
+    {"\\\\", 0x100, u"\\", 1},
+    {"x\\[Alp", 0x100, u"x", 1},
+    {"x\\[", 0x100, u"x", 1},
+    {"\\[Alp", 0x000, u"\\[Alp", -1},
+    // A hexadecimal escape too short for the buffer is text.
+    {"\\.4", 0x100, u"\\.4", -1},
+    {"\\:03b", 0x100, u"\\:03b", -1},
+    {"\\:", 0x100, u"\\:", -1},
+    // Bytes above 127 are Latin-1.
+    {"\xE9\xFF", 0x100, u"\u00E9\u00FF", -1},
+};
+} // namespace
+
+TEST_F(EncodingTest, DecodesEscapesFromBytesAndUnits) {
+  for (const DecodeCase& c : kDecodeCases) {
+    auto encoding = adopt(new Encoding(c.flags));
+    std::string input = c.input;
+    ZnIndex expectedCount = c.consumed < 0 ? ZnIndex(input.size()) : c.consumed;
+
+    auto fromBytes = adopt(new MutableString());
+    ZnIndex used = encoding->decodeBytes(reinterpret_cast<const uint8_t*>(input.data()), ZnIndex(input.size()),
+                                         fromBytes.get(), true);
+    EXPECT_EQ(used, expectedCount) << c.input;
+    EXPECT_EQ(Units(fromBytes.get()), c.expected) << c.input;
+
+    std::u16string units;
+    for (char b : input)
+      units += char16_t(uint8_t(b));
+    auto fromUnits = adopt(new MutableString());
+    used = encoding->decodeCharacters(Ptr(units), ZnIndex(units.size()), fromUnits.get());
+    EXPECT_EQ(used, expectedCount) << c.input;
+    EXPECT_EQ(Units(fromUnits.get()), c.expected) << c.input;
+  }
+  // Units above 255 pass through.
+  auto encoding = adopt(new Encoding(Encoding::kTextFlags));
+  std::u16string wide = u"\u4E2D\\[Beta]";
+  auto out = adopt(new MutableString());
+  EXPECT_EQ(encoding->decodeCharacters(Ptr(wide), ZnIndex(wide.size()), out.get()), ZnIndex(wide.size()));
+  EXPECT_EQ(Units(out.get()), u"\u4E2D\u03B2");
+}
+
+namespace {
+std::string Bytes(const Data* theData) {
+  return std::string(reinterpret_cast<const char*>(theData->getBytesPtr()), size_t(theData->getLength()));
+}
+
+struct EncodeCase {
+  std::u16string input;
+  uint32_t flags;
+  const char* expected;
+};
+
+const EncodeCase kEncodeCases[] = {
+    // Names follow the range bits; without them, hexadecimal escapes.
+    {u"\u03B1", 0x10C, "\\[Alpha]"},
+    {u"\u03B1", 0x108, "\\:03b1"},
+    {u"\u00E9", 0x10D, "\\.e9"},
+    {u"\u00E9", 0x002, "\\[EAcute]"},
+    {u"\uF720\uF3A0", 0x008, "\\[Pictogram1]\\[Null]"},
+    {u"\u221E", 0x00F, "\\:221e"},
+    {u"\u221E", 0x010, "\\[Infinity]"},
+    {u"!\t", 0x001, "\\[RawExclamation]\\[RawTab]"},
+    {u"\U0001F600", 0x01F, "\\:d83d\\:de00"},
+    // Replacements win over names and apply whatever the flags.
+    {u"a\u2192b\uF522", 0x01F, "a->b->"},
+    {u"x\uF360y\u2028\u03C0", 0x10C, "xy\nPi"},
+    // Quotes and backslashes only with their flag.
+    {u"\"\\", 0x040, "\\\"\\\\"},
+    {u"\"\\", 0x000, "\"\\"},
+    // Controls: tab, line feed, carriage return and DEL go out raw.
+    {u"\a\t\n\r\x7F\x80", 0x000, "\\.07\t\n\r\x7F\\.80"},
+};
+} // namespace
+
+TEST_F(EncodingTest, EncodesUnitsAsSevenBitText) {
+  for (const EncodeCase& c : kEncodeCases) {
+    auto encoding = adopt(new Encoding(c.flags));
+    auto data = adopt(new MutableData());
+    EXPECT_EQ(encoding->encodeCharacters(Ptr(c.input), ZnIndex(c.input.size()), data.get(), true),
+              ZnIndex(c.input.size()));
+    EXPECT_EQ(Bytes(data.get()), c.expected) << "flags " << c.flags;
+  }
+}
+
+TEST_F(EncodingTest, EncodesBytesLeavingHighBytesRaw) {
+  const struct {
+    const char* input;
+    uint32_t flags;
+    const char* expected;
+  } kCases[] = {
+      {"a\xE9\xFF", 0x10C, "a\xE9\xFF"},
+      {"a\xE9", 0x002, "a\\[EAcute]"},
+      {"\a\x1B\t\r\n\x7F", 0x000, "\\.07\\.1b\t\r\n\x7F"},
+      {"\"", 0x040, "\\\""},
+  };
+  for (const auto& c : kCases) {
+    auto encoding = adopt(new Encoding(c.flags));
+    auto data = adopt(new MutableData());
+    std::string input = c.input;
+    EXPECT_EQ(encoding->encodeBytes(reinterpret_cast<const uint8_t*>(input.data()), ZnIndex(input.size()),
+                                    data.get(), true),
+              ZnIndex(input.size()));
+    EXPECT_EQ(Bytes(data.get()), c.expected) << c.input;
+  }
+}
+
+namespace {
+struct EscapeCase {
+  std::u16string input;
+  uint32_t flags;
+  const char* expected;
+};
+
+const EscapeCase kEscapeCases[] = {
+    // Names follow the range bits.
+    {u"\u03B1", 0x10C, "\\[Alpha]"},
+    {u"\u03B1", 0x108, "\u03B1"},
+    {u"\u221E\u00E9", 0x00D, "\u221E\u00E9"},
+    // Quotes and backslashes with their flag.
+    {u"\"\\", 0x040, "\\\"\\\\"},
+    // Control characters get a doubled backslash; tab, line feed, DEL and
+    // non-ASCII, surrogates included, stay.
+    {u"\a\r\t\n\x7F", 0x10C, "\\\\.07\\\\.0d\t\n\x7F"},
+    {u"\U0001F600", 0x01F, "\U0001F600"},
+};
+} // namespace
+
+TEST_F(EncodingTest, EscapesStringsForDisplay) {
+  for (const EscapeCase& c : kEscapeCases) {
+    auto encoding = adopt(new Encoding(c.flags));
+    auto out = adopt(new MutableString());
+    encoding->escapeString(Ptr(c.input), ZnIndex(c.input.size()), out.get());
+    EXPECT_EQ(ZnTest::Utf8(out.get()), c.expected) << "flags " << c.flags << " expected " << c.expected;
+  }
+}
+
+// The flags argument decides, not the encoding's own flags; a dropped
+// character counts as written.
+TEST_F(EncodingTest, EncodeCharacterReportsWhetherItWrote) {
+  auto encoding = adopt(new Encoding(0x108));
+  auto data = adopt(new MutableData());
+  auto out = adopt(new MutableString());
+  EXPECT_FALSE(encoding->encodeCharacter(0x03B1, data.get(), 0x108));
+  EXPECT_FALSE(encoding->encodeCharacter('a', out.get(), 0x1F));
+  EXPECT_TRUE(encoding->encodeCharacter(0x03B1, data.get(), 0x004));
+  EXPECT_TRUE(encoding->encodeCharacter(0xF360, out.get(), 0));
+  EXPECT_EQ(Bytes(data.get()), "\\[Alpha]");
+  EXPECT_EQ(out->length(), 0);
+}
+
+// A replacement set on one encoding is its own: other encodings, made
+// before or after, keep the standard ones.
+TEST_F(EncodingTest, ReplacementsAreCopiedOnWrite) {
+  auto changed = adopt(new Encoding(Encoding::kTextFlags));
+  auto before = adopt(new Encoding(Encoding::kTextFlags));
+  changed->setReplacement(0x03B1, "alpha");
+  changed->setReplacement(0x2192, "to");
+  changed->setReplacement(0x2192, "=>");
+  auto after = adopt(new Encoding(Encoding::kTextFlags));
+  const std::u16string text = u"\u03B1\u2192\u2190";
+  for (auto [encoding, expected] : {std::pair{changed.get(), "alpha=><-"}, std::pair{before.get(), "\\[Alpha]-><-"},
+                                    std::pair{after.get(), "\\[Alpha]-><-"}}) {
+    auto out = adopt(new MutableString());
+    encoding->escapeString(Ptr(text), ZnIndex(text.size()), out.get());
+    EXPECT_EQ(ZnTest::Utf8(out.get()), expected);
+  }
+}
+
+TEST_F(EncodingTest, LooksUpNamesAsStringsAndBytes) {
+  ZnUnichar code = 0;
+  auto alpha = adopt(new String("Alpha"));
+  auto lower = adopt(new String("alpha"));
+  EXPECT_TRUE(Encoding::lookupNamedCharacter(alpha.get(), &code));
+  EXPECT_EQ(code, 0x03B1);
+  EXPECT_FALSE(Encoding::lookupNamedCharacter(lower.get(), &code));
+  auto encoding = adopt(new Encoding(0));
+  EXPECT_TRUE(encoding->lookupNamedCharacter(reinterpret_cast<const uint8_t*>("Rule"), 4, &code));
+  EXPECT_EQ(code, 0xF522);
+}
