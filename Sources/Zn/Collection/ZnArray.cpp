@@ -2,6 +2,7 @@
 #include "Zn/Collection/ZnArray.h"
 #include "Zn/Base/ZnMemory.h"
 #include "Zn/Base/ZnRef.h"
+#include "Zn/Collection/ZnIndexSet.h"
 #include "Zn/IO/ZnWriter.h"
 #include <cstdlib>
 
@@ -229,6 +230,25 @@ void MutableArray::removeObjectsInRange(Range theRange) {
   MoveMemory(objects_ + theRange.getMaximum(), objects_ + theRange.location,
              Sys::size_t(count_ - theRange.getMaximum()) * sizeof(Object*));
   count_ -= theRange.length;
+}
+
+void MutableArray::removeObjectsAtIndexes(const IndexSet* theIndexes) {
+  ZnIndex members = theIndexes->getCount();
+  if (members == 0)
+    return;
+  ZnAssert(theIndexes->getLastValue() < count_, theIndexes->getLastValue());
+  // Members come in ascending order: keep everything between them.
+  ZnIndex kept = theIndexes->getFirstValue();
+  ZnIndex next = 0;
+  for (ZnIndex i = kept; i < count_; ++i) {
+    if (next < members && theIndexes->getValueAtIndex(next) == i) {
+      objects_[i]->release();
+      ++next;
+      continue;
+    }
+    objects_[kept++] = objects_[i];
+  }
+  count_ = kept;
 }
 
 static int CompareObjectPointers(const void* theA, const void* theB) {

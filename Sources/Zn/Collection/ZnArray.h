@@ -6,9 +6,10 @@
 #include "Zn/Collection/ZnRange.h"
 
 namespace Zn {
-/// Immutable, ordered list of objects. Each element is retained while the
-/// array holds it and is never null; accessors return borrowed pointers.
-/// Storage grows by doubling from 1 and never shrinks.
+class IndexSet;
+
+/// Immutable, ordered list of objects, each retained while the array holds
+/// it and never null; accessors return borrowed pointers.
 class Array : public Object {
 public:
   Array() = default;
@@ -89,12 +90,14 @@ public:
   void removeObjectAtIndex(ZnIndex theIndex);
   void removeLastObject() { removeObjectAtIndex(count_ - 1); }
   void moveObject(ZnIndex oldIndex, ZnIndex newIndex);
-  /// Removes the first element equal to theObject; nothing when none is.
+  /// Removes the first element equal to theObject (nothing when none is).
   void removeObject(const Object* theObject);
   /// Itself: empties the array. Another array: removes, for each of its
   /// elements in order, the first equal element here.
   void removeObjectsInArray(const Array* theArray);
   void removeObjectsInRange(Range theRange);
+  /// Removes the elements at the members of the set, in one pass.
+  void removeObjectsAtIndexes(const IndexSet* theIndexes);
   void removeAllObjects() { removeObjectsInRange(Range(0, count_)); }
   /// Orders the elements by compare.
   void sort();
@@ -109,10 +112,7 @@ protected:
 
 //===--- Inline element access ------------------------------------------===//
 
-// Inline because every walk over expression arguments goes through it. The
-// checks stay even there: an index out of range is always the caller's bug,
-// and reading past the block would hand out a stale pointer that a later
-// release turns into a crash far from the cause.
+// Inline: every walk over expression arguments reads through it.
 inline Object* Array::objectAtIndex(ZnIndex theIndex) const {
   ZnAssert(theIndex >= 0, theIndex);
   ZnAssert(theIndex < count_, theIndex);
