@@ -1,0 +1,150 @@
+//===- KxNumber.cpp - Integer and real atoms -------------------------------===//
+#include "Kx/KxNumber.h"
+#include "Kx/KxSymbol.h"
+#include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnRef.h"
+#include "Zn/Base/ZnString.h"
+#include "Zn/IO/ZnWriter.h"
+
+namespace Zn::Kx {
+
+int32_t TruncateToInt32(double theValue) {
+  if (theValue != theValue)
+    return 0;
+  if (theValue >= 2147483647.0)
+    return INT32_MAX;
+  if (theValue <= -2147483648.0)
+    return INT32_MIN;
+  return int32_t(theValue);
+}
+
+// Members of one family compare by their printed text, so that a machine
+// number and a big number with the same text are the same number.
+static bool DescriptionsEqual(const Object* theA, const Object* theB) {
+  auto a = adopt(theA->description());
+  auto b = adopt(theB->description());
+  return a->isEqual(b.get());
+}
+
+static uint32_t DescriptionHash(const Object* theObject) { return adopt(theObject->description())->hash() * 37; }
+
+//===--- Number, Integer, Real -------------------------------------------------===//
+
+bool Number::isEqual(const Object* theOther) const {
+  if (theOther == this)
+    return true;
+  const Number* other = dynamic_cast<const Number*>(theOther);
+  return other && integerValue() == other->integerValue() && doubleValue() == other->doubleValue();
+}
+
+const char* Number::className() const { return "Number"; }
+const char* Number::superclassName() const { return "Expr"; }
+
+Expr* Integer::head() const { return HeadSymbol(Head::Integer); }
+
+bool Integer::isEqual(const Object* theOther) const {
+  if (theOther == this)
+    return true;
+  return dynamic_cast<const Integer*>(theOther) && DescriptionsEqual(this, theOther);
+}
+
+uint32_t Integer::hash() const { return DescriptionHash(this); }
+
+const char* Integer::className() const { return "Integer"; }
+const char* Integer::superclassName() const { return "Number"; }
+
+Expr* Real::head() const { return HeadSymbol(Head::Real); }
+
+bool Real::isEqual(const Object* theOther) const {
+  if (theOther == this)
+    return true;
+  return dynamic_cast<const Real*>(theOther) && DescriptionsEqual(this, theOther);
+}
+
+uint32_t Real::hash() const { return DescriptionHash(this); }
+
+const char* Real::className() const { return "Real"; }
+const char* Real::superclassName() const { return "Number"; }
+
+//===--- Machine numbers -------------------------------------------------------===//
+
+int32_t MachineInteger::integerValue() const { return value_; }
+
+double MachineInteger::doubleValue() const { return double(value_); }
+
+Expr* MachineInteger::negated() const { return new MachineInteger(int32_t(0u - uint32_t(value_))); }
+
+void MachineInteger::writeFullForm(Writer* theWriter) const {
+  char text[16];
+  StringFormat(text, sizeof text, "%ld", long(value_));
+  WriteASCII(theWriter, text);
+}
+
+const char* MachineInteger::className() const { return "MachineInteger"; }
+const char* MachineInteger::superclassName() const { return "Integer"; }
+
+int32_t MachineReal::integerValue() const { return TruncateToInt32(value_); }
+
+double MachineReal::doubleValue() const { return value_; }
+
+Expr* MachineReal::negated() const { return new MachineReal(-value_); }
+
+void MachineReal::writeFullForm(Writer* theWriter) const {
+  // "%f" of the largest double has 316 characters.
+  char text[330];
+  StringFormat(text, sizeof text, "%f", value_);
+  WriteASCII(theWriter, text);
+}
+
+const char* MachineReal::className() const { return "MachineReal"; }
+const char* MachineReal::superclassName() const { return "Real"; }
+
+//===--- Big numbers -----------------------------------------------------------===//
+
+template <class Family>
+BigNumber<Family>::BigNumber(String* theDigits, double theApproximation)
+    : digits_(theDigits ? static_cast<String*>(theDigits->retain()) : new String()),
+      approximation_(theApproximation) {}
+
+template <class Family> BigNumber<Family>::~BigNumber() { digits_->release(); }
+
+template <class Family> int32_t BigNumber<Family>::integerValue() const {
+  return TruncateToInt32(approximation_);
+}
+
+template <class Family> double BigNumber<Family>::doubleValue() const { return approximation_; }
+
+template <class Family> void BigNumber<Family>::writeFullForm(Writer* theWriter) const {
+  theWriter->writeCharacters(digits_->getCharactersPtr(), digits_->length());
+}
+
+template <class Family> String* BigNumber<Family>::description() const {
+  digits_->retain();
+  return digits_;
+}
+
+template <class Family> String* BigNumber<Family>::negatedDigits() const {
+  if (digits_->length() > 0 && digits_->characterAtIndex(0) == '-')
+    return digits_->substringFromIndex(1);
+  return StringWithFormat("-%@", digits_);
+}
+
+template class BigNumber<Integer>;
+template class BigNumber<Real>;
+
+Expr* BigInteger::negated() const {
+  auto digits = adopt(negatedDigits());
+  return new BigInteger(digits.get(), -approximation_);
+}
+
+const char* BigInteger::className() const { return "BigInteger"; }
+const char* BigInteger::superclassName() const { return "Integer"; }
+
+Expr* BigReal::negated() const {
+  auto digits = adopt(negatedDigits());
+  return new BigReal(digits.get(), -approximation_);
+}
+
+const char* BigReal::className() const { return "BigReal"; }
+const char* BigReal::superclassName() const { return "Real"; }
+} // namespace Zn::Kx

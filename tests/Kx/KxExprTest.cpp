@@ -1,0 +1,219 @@
+//===- KxExprTest.cpp - Expression tree: parts, equality, hashing, counts --===//
+#include "Kx/KxFunction.h"
+#include "Kx/KxNumber.h"
+#include "Kx/KxString.h"
+#include "Kx/KxSymbol.h"
+#include "Support/ZnTestSupport.h"
+#include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnRef.h"
+#include "Zn/Base/ZnString.h"
+#include "Zn/Collection/ZnArray.h"
+
+using namespace Zn;
+using namespace Zn::Kx;
+
+namespace {
+class ExprTest : public ZnTest::LeakCheckedTest {};
+using ExprDeathTest = ExprTest;
+
+Ref<Expr> Sym(const char* theName) { return adopt<Expr>(new Symbol(theName)); }
+Ref<Expr> Int(int32_t theValue) { return adopt<Expr>(new MachineInteger(theValue)); }
+Ref<Expr> Big(const char* theDigits, double theApproximation) {
+  auto digits = adopt(new String(theDigits));
+  return adopt<Expr>(new BigInteger(digits.get(), theApproximation));
+}
+template <class... A> Ref<Expr> F(const Ref<Expr>& theHead, const A&... theArguments) {
+  return adopt<Expr>(new Function(theHead.get(), theArguments.get()...));
+}
+std::string Text(const Expr* theExpr) { return ZnTest::Utf8(adopt(theExpr->fullFormString()).get()); }
+} // namespace
+
+TEST_F(ExprTest, HeadlessFunctionReadsAsSequence) {
+  auto f = adopt<Expr>(new Function(nullptr, Sym("a").get()));
+  EXPECT_EQ(f->part(0), HeadSymbol(Head::Sequence));
+  EXPECT_EQ(f->head(), HeadSymbol(Head::Sequence));
+  EXPECT_EQ(Text(f.get()), "Sequence[a]");
+  auto m = adopt(new MutableFunction());
+  EXPECT_EQ(m->part(0), HeadSymbol(Head::Sequence));
+}
+
+TEST_F(ExprTest, AtomsAnswerTheirTypeAsPartZeroAndNothingBeyond) {
+  struct Case {
+    Ref<Expr> atom;
+    Head type;
+  } cases[] = {
+      {Sym("x"), Head::Symbol},
+      {adopt<Expr>(new CharacterString("s")), Head::String},
+      {adopt<Expr>(new ByteString(nullptr)), Head::String},
+      {Int(3), Head::Integer},
+      {Big("123456789012", 123456789012.0), Head::Integer},
+      {adopt<Expr>(new MachineReal(0.5)), Head::Real},
+      {adopt<Expr>(new BigReal(nullptr, 0.0)), Head::Real},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.atom->className());
+    EXPECT_EQ(c.atom->part(0), HeadSymbol(c.type));
+    EXPECT_EQ(c.atom->part(1), nullptr);
+    EXPECT_EQ(c.atom->length(), 0);
+    EXPECT_TRUE(c.atom->isAtom() && c.atom->isAtomic());
+  }
+}
+
+TEST_F(ExprTest, SharedAtomsKeepTheirNamesAndValues) {
+  EXPECT_EQ(Text(HeadSymbol(Head::AddTo)), "AddTo");
+  EXPECT_EQ(Text(HeadSymbol(Head::Failed)), "$Failed");
+  EXPECT_EQ(Text(HeadSymbol(Head::SyntaxError)), "$SyntaxError");
+  EXPECT_EQ(Text(HeadSymbol(Head::Symbol)), "Symbol");
+  EXPECT_EQ(Text(HeadSymbol(Head::UpSetDelayed)), "UpSetDelayed");
+  EXPECT_EQ(SharedOne()->integerValue(), 1);
+  EXPECT_EQ(SharedTen()->integerValue(), 10);
+}
+
+TEST_F(ExprTest, EqualityFollowsTheFamilies) {
+  struct Case {
+    const char* what;
+    Ref<Expr> a, b;
+    bool equal;
+  } cases[] = {
+      {"machine and big integer of the same text", Int(7), Big("7", 7.0), true},
+      {"big integer with another text", Int(7), Big("07", 7.0), false},
+      {"integer against real", Int(7), adopt<Expr>(new MachineReal(7.0)), false},
+      {"reals equal to six decimals", adopt<Expr>(new MachineReal(0.1 + 0.2)), adopt<Expr>(new MachineReal(0.3)), true},
+      {"big real against its machine value", adopt<Expr>(new BigReal(adopt(new String("1.5")).get(), 1.5)),
+       adopt<Expr>(new MachineReal(1.5)), false},
+      {"symbols by name", Sym("x"), Sym("x"), true},
+      {"symbol against string", Sym("x"), adopt<Expr>(new CharacterString("x")), false},
+      {"strings by text", adopt<Expr>(new CharacterString("x")), adopt<Expr>(new CharacterString("x")), true},
+      {"byte strings without data", adopt<Expr>(new ByteString(nullptr)), adopt<Expr>(new ByteString(nullptr)), true},
+      {"functions only by identity", F(Sym("f"), Int(1)), F(Sym("f"), Int(1)), false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(c.a->isEqual(c.b.get()), c.equal);
+    EXPECT_EQ(c.b->isEqual(c.a.get()), c.equal);
+    EXPECT_FALSE(c.a->isEqual(nullptr));
+    if (c.equal) {
+      EXPECT_EQ(c.a->hash(), c.b->hash());
+    }
+  }
+}
+
+TEST_F(ExprTest, FunctionHashIsTheXorOfItsAtomsAtAnyDepth) {
+  auto f = Sym("f"), g = Sym("g"), x = Sym("x"), y = Int(2);
+  auto nested = F(f, F(g, x), y);
+  EXPECT_EQ(nested->hash(), f->hash() ^ g->hash() ^ x->hash() ^ y->hash());
+  EXPECT_EQ(nested->hash(), F(Sym("f"), F(Sym("g"), Sym("x")), Int(2))->hash());
+  auto headless = adopt<Expr>(new Function(nullptr, x.get()));
+  EXPECT_EQ(headless->hash(), HeadSymbol(Head::Sequence)->hash() ^ x->hash());
+}
+
+TEST_F(ExprTest, NegatedFlipsSignsAndWrapsOtherExpressionsInMinus) {
+  struct Case {
+    Ref<Expr> value;
+    const char* text;
+    int32_t integer;
+  } cases[] = {
+      {Big("-12", -12.0), "12", 12},
+      {Big("12", 12.0), "-12", -12},
+      {adopt<Expr>(new BigReal(adopt(new String("2.5`30")).get(), 2.5)), "-2.5`30", -2},
+      {Int(5), "-5", -5},
+      {Int(INT32_MIN), "-2147483648", INT32_MIN},
+      {adopt<Expr>(new MachineReal(-0.5)), "0.500000", 0},
+  };
+  for (const Case& c : cases) {
+    auto negated = adopt(c.value->negated());
+    EXPECT_EQ(Text(negated.get()), c.text);
+    EXPECT_EQ(negated->integerValue(), c.integer) << c.text;
+  }
+  auto x = Sym("x");
+  auto minus = adopt(x->negated());
+  EXPECT_EQ(minus->head(), HeadSymbol(Head::Minus));
+  EXPECT_EQ(minus->length(), 1);
+  EXPECT_EQ(minus->part(1), x.get());
+}
+
+TEST_F(ExprTest, NumericAccessorsTruncateAndSaturate) {
+  EXPECT_EQ(adopt(new MachineReal(-2.7))->integerValue(), -2);
+  EXPECT_EQ(Big("100000000000000000000", 1e20)->integerValue(), INT32_MAX);
+  EXPECT_EQ(Big("-100000000000000000000", -1e20)->integerValue(), INT32_MIN);
+  EXPECT_DOUBLE_EQ(Big("100000000000000000000", 1e20)->doubleValue(), 1e20);
+  EXPECT_EQ(Sym("x")->integerValue(), 0);
+}
+
+TEST_F(ExprTest, FlatteningSplicesOneLevelOfTheSameHead) {
+  auto plus = retained<Expr>(HeadSymbol(Head::Plus));
+  auto inner = F(Sym("Plus"), Sym("a"), F(plus, Sym("b"), Sym("c")));
+  auto flat = adopt<Expr>(Function::createFlattened(plus.get(), plus.get(), inner.get(), Sym("d").get(),
+                                                    F(Sym("Times"), Sym("e"), Sym("f")).get()));
+  EXPECT_EQ(Text(flat.get()), "Plus[a, Plus[b, c], d, Times[e, f]]");
+  auto rule = adopt<Expr>(Function::createRule(Sym("a").get(), Int(1).get()));
+  EXPECT_EQ(Text(rule.get()), "Rule[a, 1]");
+}
+
+TEST_F(ExprTest, ConstructorsRetainTheirPartsAndReleaseThem) {
+  auto x = Sym("x");
+  {
+    auto f = F(Sym("f"), x, x);
+    EXPECT_EQ(x->getRetainCount(), 3);
+    auto array = adopt(new Array(x.get(), x.get(), nullptr));
+    auto g = adopt<Expr>(new Function(x.get(), array.get()));
+    EXPECT_EQ(Text(g.get()), "x[x, x]");
+    EXPECT_EQ(x->getRetainCount(), 8);
+  }
+  EXPECT_EQ(x->getRetainCount(), 1);
+  Expr** parts = static_cast<Expr**>(Allocate(2 * sizeof(Expr*)));
+  parts[0] = x.get();
+  parts[1] = x.get();
+  auto adopted = adopt<Expr>(new Function(parts, 1, true, false));
+  EXPECT_EQ(x->getRetainCount(), 3);
+  EXPECT_EQ(Text(adopted.get()), "x[x]");
+}
+
+TEST_F(ExprTest, MutableFunctionGrowsInsertsAndReplacesTheHead) {
+  auto m = adopt(new MutableFunction(5, nullptr));
+  EXPECT_EQ(m->capacity(), 2);
+  auto x = Sym("x");
+  m->appendArgument(Int(1).get(), true);
+  m->appendArgument(Int(2).get(), true);
+  EXPECT_EQ(m->capacity(), 4);
+  m->insertArgument(x.get(), 0, true);
+  m->insertArgument(Sym("z").get(), 3, true);
+  EXPECT_EQ(m->capacity(), 8);
+  EXPECT_EQ(Text(m.get()), "Sequence[x, 1, 2, z]");
+  m->setHead(x.get(), true);
+  EXPECT_EQ(x->getRetainCount(), 3);
+  m->setHead(Sym("List").leak(), false);
+  EXPECT_EQ(x->getRetainCount(), 2);
+  auto frozen = adopt(static_cast<Expr*>(m->copy()));
+  EXPECT_STREQ(frozen->className(), "Function");
+  EXPECT_EQ(Text(frozen.get()), "List[x, 1, 2, z]");
+  auto thawed = adopt(static_cast<MutableFunction*>(frozen->mutableCopy()));
+  thawed->appendArgument(x.get(), true);
+  EXPECT_EQ(Text(thawed.get()), "List[x, 1, 2, z, x]");
+}
+
+TEST_F(ExprTest, DeepChainsHashPrintAndDieWithoutRecursion) {
+  // Far deeper than the C++ stack could follow one frame per level.
+  const ZnIndex depth = 200000;
+  auto minus = retained<Expr>(HeadSymbol(Head::Minus));
+  auto chain = Sym("x");
+  for (ZnIndex i = 0; i < depth; ++i)
+    chain = F(minus, chain);
+  EXPECT_EQ(chain->hash(), (depth % 2 ? minus->hash() : 0) ^ Sym("x")->hash());
+  auto text = adopt(chain->fullFormString());
+  EXPECT_EQ(text->length(), depth * 7 + 1);
+  auto shared = retained(chain->part(1)->part(1));
+  chain = Ref<Expr>();
+  EXPECT_EQ(shared->getRetainCount(), 1);
+}
+
+TEST_F(ExprDeathTest, BrokenPreconditionsAreReported) {
+  auto f = F(Sym("f"), Int(1));
+  EXPECT_EXIT(f->part(2), testing::ExitedWithCode(255), "thePart <= length_");
+  EXPECT_EXIT(Int(1)->integerValueOfPart(1), testing::ExitedWithCode(255), "e != NULL");
+  EXPECT_EXIT(adopt(new MutableFunction())->insertArgument(nullptr, 1, true), testing::ExitedWithCode(255),
+              "theIndex <= length_");
+  EXPECT_EXIT(new Symbol(static_cast<String*>(nullptr)), testing::ExitedWithCode(255), "theName != NULL");
+  EXPECT_EXIT(new Symbol(static_cast<const char*>(nullptr)), testing::ExitedWithCode(255), "theASCIIName != NULL");
+  EXPECT_EXIT(new CharacterString(nullptr, true), testing::ExitedWithCode(255), "theValue != NULL");
+}
