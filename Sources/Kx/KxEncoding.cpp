@@ -111,13 +111,9 @@ ZnIndex FormatHexEscape(uint32_t theCode, ZnIndex theDigits, char* theOut) {
   return 2 + theDigits;
 }
 
+// Bytes become units of the same value (Latin-1).
 void AppendUnits(MutableString* theString, const uint8_t* theBytes, ZnIndex theCount) {
-  ZnIndex length = theString->length();
-  theString->ensureCapacity(length + theCount);
-  ZnUnichar* out = theString->getMutableCharactersPtr() + length;
-  for (ZnIndex i = 0; i < theCount; ++i)
-    out[i] = theBytes[i];
-  theString->setLength(length + theCount);
+  theString->appendCString(reinterpret_cast<const char*>(theBytes), theCount);
 }
 
 void AppendUnits(MutableString* theString, const ZnUnichar* theUnits, ZnIndex theCount) {
@@ -211,18 +207,13 @@ ZnIndex Encoding::decode(const CharT* theUnits, ZnIndex theCount, MutableString*
         continue;
       }
       // Unknown: the backslash goes out alone and the name follows as text.
-    } else if (kind == '.' && i + 4 <= theCount) {
-      int32_t value = HexNumber(theUnits + i + 2, 2);
+    } else if (kind == '.' || kind == ':') {
+      // "\.xx" or "\:xxxx", whole within the buffer.
+      ZnIndex digits = kind == '.' ? 2 : 4;
+      int32_t value = i + 2 + digits <= theCount ? HexNumber(theUnits + i + 2, digits) : -1;
       if (value >= 0) {
         theString->appendCharacter(ZnUnichar(value));
-        i += 4;
-        continue;
-      }
-    } else if (kind == ':' && i + 6 <= theCount) {
-      int32_t value = HexNumber(theUnits + i + 2, 4);
-      if (value >= 0) {
-        theString->appendCharacter(ZnUnichar(value));
-        i += 6;
+        i += 2 + digits;
         continue;
       }
     }
