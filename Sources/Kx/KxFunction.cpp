@@ -133,7 +133,14 @@ bool Function::isAtom() const { return false; }
 
 const Function* Function::asFunction() const { return this; }
 
-void Function::writeFullForm(Writer* theWriter) const { PrintFullForm(this, theWriter); }
+void Function::writeInputForm(Writer* theWriter, const FormatContext* theContext) const {
+  PrintFunction(this, theWriter, theContext, false);
+}
+
+void Function::writeFullForm(Writer* theWriter) const {
+  FormatContext context;
+  PrintFunction(this, theWriter, &context, true);
+}
 
 uint32_t Function::hash() const {
   // The hash of a function is the XOR of its parts' hashes, so the hash of a

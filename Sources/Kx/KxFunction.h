@@ -44,6 +44,8 @@ public:
   /// +1. Rule[theLeft, theRight].
   static Function* createRule(Expr* theLeft, Expr* theRight);
 
+  /// Full form, or input form driven by the operator table.
+  void writeInputForm(Writer* theWriter, const FormatContext* theContext) const override;
   void writeFullForm(Writer* theWriter) const override;
   ZnIndex length() const override { return length_; }
   /// Borrowed. Part 0 is head(); a negative index gives null.

@@ -1,38 +1,22 @@
 //===- KxExprTest.cpp - Expression tree: parts, equality, hashing, counts --===//
-#include "Kx/KxFunction.h"
-#include "Kx/KxNumber.h"
-#include "Kx/KxString.h"
-#include "Kx/KxSymbol.h"
-#include "Support/ZnTestSupport.h"
+#include "Kx/KxExprBuilders.h"
 #include "Zn/Base/ZnMemory.h"
-#include "Zn/Base/ZnRef.h"
-#include "Zn/Base/ZnString.h"
 #include "Zn/Collection/ZnArray.h"
 
 using namespace Zn;
 using namespace Zn::Kx;
 
 namespace {
+using namespace KxTest;
 class ExprTest : public ZnTest::LeakCheckedTest {};
 using ExprDeathTest = ExprTest;
-
-Ref<Expr> Sym(const char* theName) { return adopt<Expr>(new Symbol(theName)); }
-Ref<Expr> Int(int32_t theValue) { return adopt<Expr>(new MachineInteger(theValue)); }
-Ref<Expr> Big(const char* theDigits, double theApproximation) {
-  auto digits = adopt(new String(theDigits));
-  return adopt<Expr>(new BigInteger(digits.get(), theApproximation));
-}
-template <class... A> Ref<Expr> F(const Ref<Expr>& theHead, const A&... theArguments) {
-  return adopt<Expr>(new Function(theHead.get(), theArguments.get()...));
-}
-std::string Text(const Expr* theExpr) { return ZnTest::Utf8(adopt(theExpr->fullFormString()).get()); }
 } // namespace
 
 TEST_F(ExprTest, HeadlessFunctionReadsAsSequence) {
   auto f = adopt<Expr>(new Function(nullptr, Sym("a").get()));
   EXPECT_EQ(f->part(0), HeadSymbol(Head::Sequence));
   EXPECT_EQ(f->head(), HeadSymbol(Head::Sequence));
-  EXPECT_EQ(Text(f.get()), "Sequence[a]");
+  EXPECT_EQ(FullForm(f.get()), "Sequence[a]");
   auto m = adopt(new MutableFunction());
   EXPECT_EQ(m->part(0), HeadSymbol(Head::Sequence));
 }
@@ -43,11 +27,11 @@ TEST_F(ExprTest, AtomsAnswerTheirTypeAsPartZeroAndNothingBeyond) {
     Head type;
   } cases[] = {
       {Sym("x"), Head::Symbol},
-      {adopt<Expr>(new CharacterString("s")), Head::String},
+      {Str("s"), Head::String},
       {adopt<Expr>(new ByteString(nullptr)), Head::String},
       {Int(3), Head::Integer},
       {Big("123456789012", 123456789012.0), Head::Integer},
-      {adopt<Expr>(new MachineReal(0.5)), Head::Real},
+      {Float(0.5), Head::Real},
       {adopt<Expr>(new BigReal(nullptr, 0.0)), Head::Real},
   };
   for (const Case& c : cases) {
@@ -60,11 +44,11 @@ TEST_F(ExprTest, AtomsAnswerTheirTypeAsPartZeroAndNothingBeyond) {
 }
 
 TEST_F(ExprTest, SharedAtomsKeepTheirNamesAndValues) {
-  EXPECT_EQ(Text(HeadSymbol(Head::AddTo)), "AddTo");
-  EXPECT_EQ(Text(HeadSymbol(Head::Failed)), "$Failed");
-  EXPECT_EQ(Text(HeadSymbol(Head::SyntaxError)), "$SyntaxError");
-  EXPECT_EQ(Text(HeadSymbol(Head::Symbol)), "Symbol");
-  EXPECT_EQ(Text(HeadSymbol(Head::UpSetDelayed)), "UpSetDelayed");
+  EXPECT_EQ(FullForm(HeadSymbol(Head::AddTo)), "AddTo");
+  EXPECT_EQ(FullForm(HeadSymbol(Head::Failed)), "$Failed");
+  EXPECT_EQ(FullForm(HeadSymbol(Head::SyntaxError)), "$SyntaxError");
+  EXPECT_EQ(FullForm(HeadSymbol(Head::Symbol)), "Symbol");
+  EXPECT_EQ(FullForm(HeadSymbol(Head::UpSetDelayed)), "UpSetDelayed");
   EXPECT_EQ(SharedOne()->integerValue(), 1);
   EXPECT_EQ(SharedTen()->integerValue(), 10);
 }
@@ -77,13 +61,13 @@ TEST_F(ExprTest, EqualityFollowsTheFamilies) {
   } cases[] = {
       {"machine and big integer of the same text", Int(7), Big("7", 7.0), true},
       {"big integer with another text", Int(7), Big("07", 7.0), false},
-      {"integer against real", Int(7), adopt<Expr>(new MachineReal(7.0)), false},
-      {"reals equal to six decimals", adopt<Expr>(new MachineReal(0.1 + 0.2)), adopt<Expr>(new MachineReal(0.3)), true},
+      {"integer against real", Int(7), Float(7.0), false},
+      {"reals equal to six decimals", Float(0.1 + 0.2), Float(0.3), true},
       {"big real against its machine value", adopt<Expr>(new BigReal(adopt(new String("1.5")).get(), 1.5)),
-       adopt<Expr>(new MachineReal(1.5)), false},
+       Float(1.5), false},
       {"symbols by name", Sym("x"), Sym("x"), true},
-      {"symbol against string", Sym("x"), adopt<Expr>(new CharacterString("x")), false},
-      {"strings by text", adopt<Expr>(new CharacterString("x")), adopt<Expr>(new CharacterString("x")), true},
+      {"symbol against string", Sym("x"), Str("x"), false},
+      {"strings by text", Str("x"), Str("x"), true},
       {"byte strings without data", adopt<Expr>(new ByteString(nullptr)), adopt<Expr>(new ByteString(nullptr)), true},
       {"functions only by identity", F(Sym("f"), Int(1)), F(Sym("f"), Int(1)), false},
   };
@@ -118,11 +102,11 @@ TEST_F(ExprTest, NegatedFlipsSignsAndWrapsOtherExpressionsInMinus) {
       {adopt<Expr>(new BigReal(adopt(new String("2.5`30")).get(), 2.5)), "-2.5`30", -2},
       {Int(5), "-5", -5},
       {Int(INT32_MIN), "-2147483648", INT32_MIN},
-      {adopt<Expr>(new MachineReal(-0.5)), "0.500000", 0},
+      {Float(-0.5), "0.500000", 0},
   };
   for (const Case& c : cases) {
     auto negated = adopt(c.value->negated());
-    EXPECT_EQ(Text(negated.get()), c.text);
+    EXPECT_EQ(FullForm(negated.get()), c.text);
     EXPECT_EQ(negated->integerValue(), c.integer) << c.text;
   }
   auto x = Sym("x");
@@ -145,9 +129,9 @@ TEST_F(ExprTest, FlatteningSplicesOneLevelOfTheSameHead) {
   auto inner = F(Sym("Plus"), Sym("a"), F(plus, Sym("b"), Sym("c")));
   auto flat = adopt<Expr>(Function::createFlattened(plus.get(), plus.get(), inner.get(), Sym("d").get(),
                                                     F(Sym("Times"), Sym("e"), Sym("f")).get()));
-  EXPECT_EQ(Text(flat.get()), "Plus[a, Plus[b, c], d, Times[e, f]]");
+  EXPECT_EQ(FullForm(flat.get()), "Plus[a, Plus[b, c], d, Times[e, f]]");
   auto rule = adopt<Expr>(Function::createRule(Sym("a").get(), Int(1).get()));
-  EXPECT_EQ(Text(rule.get()), "Rule[a, 1]");
+  EXPECT_EQ(FullForm(rule.get()), "Rule[a, 1]");
 }
 
 TEST_F(ExprTest, ConstructorsRetainTheirPartsAndReleaseThem) {
@@ -157,7 +141,7 @@ TEST_F(ExprTest, ConstructorsRetainTheirPartsAndReleaseThem) {
     EXPECT_EQ(x->getRetainCount(), 3);
     auto array = adopt(new Array(x.get(), x.get(), nullptr));
     auto g = adopt<Expr>(new Function(x.get(), array.get()));
-    EXPECT_EQ(Text(g.get()), "x[x, x]");
+    EXPECT_EQ(FullForm(g.get()), "x[x, x]");
     EXPECT_EQ(x->getRetainCount(), 8);
   }
   EXPECT_EQ(x->getRetainCount(), 1);
@@ -166,7 +150,7 @@ TEST_F(ExprTest, ConstructorsRetainTheirPartsAndReleaseThem) {
   parts[1] = x.get();
   auto adopted = adopt<Expr>(new Function(parts, 1, true, false));
   EXPECT_EQ(x->getRetainCount(), 3);
-  EXPECT_EQ(Text(adopted.get()), "x[x]");
+  EXPECT_EQ(FullForm(adopted.get()), "x[x]");
 }
 
 TEST_F(ExprTest, MutableFunctionGrowsInsertsAndReplacesTheHead) {
@@ -179,17 +163,17 @@ TEST_F(ExprTest, MutableFunctionGrowsInsertsAndReplacesTheHead) {
   m->insertArgument(x.get(), 0, true);
   m->insertArgument(Sym("z").get(), 3, true);
   EXPECT_EQ(m->capacity(), 8);
-  EXPECT_EQ(Text(m.get()), "Sequence[x, 1, 2, z]");
+  EXPECT_EQ(FullForm(m.get()), "Sequence[x, 1, 2, z]");
   m->setHead(x.get(), true);
   EXPECT_EQ(x->getRetainCount(), 3);
   m->setHead(Sym("List").leak(), false);
   EXPECT_EQ(x->getRetainCount(), 2);
   auto frozen = adopt(static_cast<Expr*>(m->copy()));
   EXPECT_STREQ(frozen->className(), "Function");
-  EXPECT_EQ(Text(frozen.get()), "List[x, 1, 2, z]");
+  EXPECT_EQ(FullForm(frozen.get()), "List[x, 1, 2, z]");
   auto thawed = adopt(static_cast<MutableFunction*>(frozen->mutableCopy()));
   thawed->appendArgument(x.get(), true);
-  EXPECT_EQ(Text(thawed.get()), "List[x, 1, 2, z, x]");
+  EXPECT_EQ(FullForm(thawed.get()), "List[x, 1, 2, z, x]");
 }
 
 TEST_F(ExprTest, DeepChainsHashPrintAndDieWithoutRecursion) {
