@@ -146,12 +146,11 @@ void Dictionary::getKeysAndValues(MutableArray* theKeys, MutableArray* theValues
     theValues->addObject(theValue);
   };
   if (!theSorted) {
-    for (ZnIndex b = 0; b < bucketCount_; ++b)
-      for (const Node* node = buckets_[b]; node; node = node->next) {
-        if (theKeys)
-          theKeys->addObject(node->key);
-        addValue(node->value);
-      }
+    forEachNode([&](const Node* theNode) {
+      if (theKeys)
+        theKeys->addObject(theNode->key);
+      addValue(theNode->value);
+    });
     return;
   }
   Ref<MutableArray> ownKeys;
@@ -159,9 +158,7 @@ void Dictionary::getKeysAndValues(MutableArray* theKeys, MutableArray* theValues
     ownKeys = adopt(new MutableArray(nullptr, count_));
     theKeys = ownKeys.get();
   }
-  for (ZnIndex b = 0; b < bucketCount_; ++b)
-    for (const Node* node = buckets_[b]; node; node = node->next)
-      theKeys->addObject(node->key);
+  forEachNode([&](const Node* theNode) { theKeys->addObject(theNode->key); });
   theKeys->sort();
   ZnAssert(theKeys->getCount() == count_, theKeys->getCount());
   for (ZnIndex i = 0; i < count_; ++i)
@@ -178,20 +175,15 @@ bool Dictionary::isEqual(const Object* theOther) const {
   const Dictionary* other = dynamic_cast<const Dictionary*>(theOther);
   if (other == nullptr || other->count_ != count_)
     return false;
-  for (ZnIndex b = 0; b < bucketCount_; ++b)
-    for (const Node* node = buckets_[b]; node; node = node->next) {
-      const Node* match = other->findNode(node->key, node->hash);
-      if (match == nullptr || !Equal(node->value, match->value))
-        return false;
-    }
-  return true;
+  return everyNode([&](const Node* theNode) {
+    const Node* match = other->findNode(theNode->key, theNode->hash);
+    return match && Equal(theNode->value, match->value);
+  });
 }
 
 uint32_t Dictionary::hash() const {
   uint32_t result = 0;
-  for (ZnIndex b = 0; b < bucketCount_; ++b)
-    for (const Node* node = buckets_[b]; node; node = node->next)
-      result ^= node->hash + (node->value ? node->value->hash() : 0);
+  forEachNode([&](const Node* theNode) { result ^= theNode->hash + (theNode->value ? theNode->value->hash() : 0); });
   return result;
 }
 
@@ -202,16 +194,15 @@ Object* Dictionary::mutableCopy() const { return new MutableDictionary(this); }
 void Dictionary::writeDescription(Writer* theWriter) const {
   theWriter->putBytes("{", 1);
   theWriter->increaseIndent();
-  for (ZnIndex b = 0; b < bucketCount_; ++b)
-    for (const Node* node = buckets_[b]; node; node = node->next) {
-      theWriter->putNewlines(1);
-      node->key->writeDescription(theWriter);
-      theWriter->putBytes(" = ", 3);
-      if (node->value)
-        node->value->writeDescription(theWriter);
-      else
-        theWriter->putBytes("(NULL)", 6);
-    }
+  forEachNode([&](const Node* theNode) {
+    theWriter->putNewlines(1);
+    theNode->key->writeDescription(theWriter);
+    theWriter->putBytes(" = ", 3);
+    if (theNode->value)
+      theNode->value->writeDescription(theWriter);
+    else
+      theWriter->putBytes("(NULL)", 6);
+  });
   theWriter->decreaseIndent();
   theWriter->putNewlines(1);
   theWriter->putBytes("}", 1);

@@ -62,6 +62,18 @@ protected:
   void growFor(ZnIndex theEntries);
   /// Inserts or replaces; takes a copy of the key and retains the value.
   void storeObjectForKey(Object* theKey, Object* theValue);
+  /// Visits the entries in table order while theVisit returns true; says
+  /// whether every visit did.
+  template <class Visit> bool everyNode(Visit theVisit) const {
+    for (ZnIndex b = 0; b < bucketCount_; ++b)
+      for (const Node* node = buckets_[b]; node; node = node->next)
+        if (!theVisit(node))
+          return false;
+    return true;
+  }
+  template <class Visit> void forEachNode(Visit theVisit) const {
+    everyNode([&](const Node* theNode) { return theVisit(theNode), true; });
+  }
 
   Node** buckets_ = nullptr;
   ZnIndex count_ = 0;
