@@ -18,16 +18,6 @@ int32_t TruncateToInt32(double theValue) {
   return int32_t(theValue);
 }
 
-// Members of one family compare by their printed text, so that a machine
-// number and a big number with the same text are the same number.
-static bool DescriptionsEqual(const Object* theA, const Object* theB) {
-  auto a = adopt(theA->description());
-  auto b = adopt(theB->description());
-  return a->isEqual(b.get());
-}
-
-static uint32_t DescriptionHash(const Object* theObject) { return adopt(theObject->description())->hash() * 37; }
-
 //===--- Number, Integer, Real -------------------------------------------------===//
 
 bool Number::isEqual(const Object* theOther) const {
@@ -40,28 +30,27 @@ bool Number::isEqual(const Object* theOther) const {
 const char* Number::className() const { return "Number"; }
 const char* Number::superclassName() const { return "Expr"; }
 
-Expr* Integer::head() const { return HeadSymbol(Head::Integer); }
+template <Head TypeHead> Expr* NumberFamily<TypeHead>::head() const { return HeadSymbol(TypeHead); }
 
-bool Integer::isEqual(const Object* theOther) const {
+template <Head TypeHead> bool NumberFamily<TypeHead>::isEqual(const Object* theOther) const {
   if (theOther == this)
     return true;
-  return dynamic_cast<const Integer*>(theOther) && DescriptionsEqual(this, theOther);
+  if (!dynamic_cast<const NumberFamily*>(theOther))
+    return false;
+  auto mine = adopt(description());
+  auto theirs = adopt(theOther->description());
+  return mine->isEqual(theirs.get());
 }
 
-uint32_t Integer::hash() const { return DescriptionHash(this); }
+template <Head TypeHead> uint32_t NumberFamily<TypeHead>::hash() const {
+  return adopt(description())->hash() * 37;
+}
+
+template class NumberFamily<Head::Integer>;
+template class NumberFamily<Head::Real>;
 
 const char* Integer::className() const { return "Integer"; }
 const char* Integer::superclassName() const { return "Number"; }
-
-Expr* Real::head() const { return HeadSymbol(Head::Real); }
-
-bool Real::isEqual(const Object* theOther) const {
-  if (theOther == this)
-    return true;
-  return dynamic_cast<const Real*>(theOther) && DescriptionsEqual(this, theOther);
-}
-
-uint32_t Real::hash() const { return DescriptionHash(this); }
 
 const char* Real::className() const { return "Real"; }
 const char* Real::superclassName() const { return "Number"; }

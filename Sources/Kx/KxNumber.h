@@ -1,6 +1,6 @@
 //===- KxNumber.h - Integer and real atoms ---------------------------------===//
 #pragma once
-#include "Kx/KxExpr.h"
+#include "Kx/KxSymbol.h"
 
 namespace Zn::Kx {
 
@@ -16,13 +16,22 @@ protected:
   ~Number() override = default;
 };
 
-/// The integer family: a machine integer and a big integer are equal when
-/// their descriptions (the decimal texts) are.
-class Integer : public Number {
+/// A family of numbers that answer one type head. Within a family a
+/// machine number and a big number are equal when their descriptions (the
+/// texts they print) are; numbers of different families never are.
+template <Head TypeHead> class NumberFamily : public Number {
 public:
   Expr* head() const override;
   bool isEqual(const Object* theOther) const override;
+  /// Hashes the description, as equality compares it.
   uint32_t hash() const override;
+
+protected:
+  ~NumberFamily() override = default;
+};
+
+class Integer : public NumberFamily<Head::Integer> {
+public:
   const char* className() const override;
   const char* superclassName() const override;
 
@@ -30,12 +39,8 @@ protected:
   ~Integer() override = default;
 };
 
-/// The real family, compared like the integers by description.
-class Real : public Number {
+class Real : public NumberFamily<Head::Real> {
 public:
-  Expr* head() const override;
-  bool isEqual(const Object* theOther) const override;
-  uint32_t hash() const override;
   const char* className() const override;
   const char* superclassName() const override;
 
