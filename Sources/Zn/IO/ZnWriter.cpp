@@ -1,9 +1,12 @@
 //===- ZnWriter.cpp - Character sinks with line-end translation and indents ===//
 #include "Zn/IO/ZnWriter.h"
 #include "Zn/Base/ZnAssert.h"
+#include "Zn/Base/ZnData.h"
 #include "Zn/Base/ZnMemory.h"
-#include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnString.h"
+#include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/Collection/ZnArray.h"
+#include "Zn/IO/ZnStream.h"
 
 namespace Zn {
 
@@ -53,32 +56,31 @@ bool Writer::writeFormat(const char* theFormat, ...) {
 }
 
 bool Writer::putLineBreak(ZnUnichar theCharacter) {
-  if (lineEndMode_ == kLineEndAsWritten) {
-    if (!writeCharacter(theCharacter))
+  if (lineEndMode_ != kLineEndAsWritten) {
+    // The LF of a CR LF pair whose CR was already translated.
+    if (theCharacter == 10 && lastCharacter_ == 13) {
+      lastCharacter_ = 10;
+      return true;
+    }
+    ZnUnichar written = theCharacter;
+    switch (lineEndMode_) {
+    case kLineEndLF: written = 10; break;
+    case kLineEndCR: written = 13; break;
+    case kLineEndCRLF:
+      if (!writeCharacter(13))
+        return false;
+      written = 10;
+      break;
+    default: break;
+    }
+    if (!writeCharacter(written))
       return false;
-    lastCharacter_ = theCharacter;
-    return true;
-  }
-  // The LF of a CR LF pair whose CR was already translated.
-  if (theCharacter == 10 && lastCharacter_ == 13) {
-    lastCharacter_ = 10;
-    return true;
-  }
-  ZnUnichar last = theCharacter;
-  switch (lineEndMode_) {
-  case kLineEndLF: last = 10; break;
-  case kLineEndCR: last = 13; break;
-  case kLineEndCRLF:
-    if (!writeCharacter(13))
-      return false;
-    last = 10;
-    break;
-  default: break;
-  }
-  if (!writeCharacter(last))
+  } else if (!writeCharacter(theCharacter)) {
     return false;
-  // A CR that stands for a whole break must fold the LF that may follow it.
-  lastCharacter_ = theCharacter == 13 ? 13 : last;
+  }
+  // Remembering the break as it was put (not as translated) lets a CR fold
+  // the LF that may follow it, whatever the mode wrote for it.
+  lastCharacter_ = theCharacter;
   return writeIndentation();
 }
 
@@ -98,21 +100,38 @@ bool Writer::putCharacter(ZnUnichar theCharacter, int theCount) {
   return true;
 }
 
-bool Writer::putCharacters(const ZnUnichar* theCharacters, int theCount) {
+template <class CharT> bool Writer::putRun(const CharT* theCharacters, int theCount) {
+  bool ok;
+  if constexpr (sizeof(CharT) == 1)
+    ok = writeBytes(theCharacters, theCount);
+  else
+    ok = writeCharacters(theCharacters, theCount);
+  if (ok)
+    lastCharacter_ = theCharacters[theCount - 1];
+  return ok;
+}
+
+// Runs of ordinary characters go out in one write each; line breaks between
+// them are translated one by one.
+template <class CharT> bool Writer::putText(const CharT* theCharacters, int theCount) {
   int runStart = 0;
   for (int i = 0; i < theCount; ++i) {
-    ZnUnichar c = theCharacters[i];
+    CharT c = theCharacters[i];
     if (c != 13 && c != 10)
       continue;
-    if (i > runStart && !writeCharacters(theCharacters + runStart, i - runStart))
+    if (i > runStart && !putRun(theCharacters + runStart, i - runStart))
       return false;
     if (!putLineBreak(c))
       return false;
     runStart = i + 1;
   }
   if (theCount > runStart)
-    return writeCharacters(theCharacters + runStart, theCount - runStart);
+    return putRun(theCharacters + runStart, theCount - runStart);
   return true;
+}
+
+bool Writer::putCharacters(const ZnUnichar* theCharacters, int theCount) {
+  return putText(theCharacters, theCount);
 }
 
 bool Writer::putString(const String* theString) {
@@ -122,21 +141,7 @@ bool Writer::putString(const String* theString) {
 bool Writer::putBytes(const char* theText, int theCount) {
   if (theCount < 0)
     theCount = int(StringLength(theText));
-  const uint8_t* bytes = reinterpret_cast<const uint8_t*>(theText);
-  int runStart = 0;
-  for (int i = 0; i < theCount; ++i) {
-    uint8_t c = bytes[i];
-    if (c != 13 && c != 10)
-      continue;
-    if (i > runStart && !writeBytes(bytes + runStart, i - runStart))
-      return false;
-    if (!putLineBreak(c))
-      return false;
-    runStart = i + 1;
-  }
-  if (theCount > runStart)
-    return writeBytes(bytes + runStart, theCount - runStart);
-  return true;
+  return putText(reinterpret_cast<const uint8_t*>(theText), theCount);
 }
 
 bool Writer::putNewlines(int theCount) {
@@ -144,24 +149,17 @@ bool Writer::putNewlines(int theCount) {
   if (lineEndMode_ == kLineEndAsWritten)
     lineEndMode_ = kLineEndLF;
   for (int i = 0; i < theCount; ++i) {
+    bool ok;
     switch (lineEndMode_) {
-    case kLineEndLF:
-      if (!writeCharacter(10))
-        return false;
-      lastCharacter_ = 10;
-      break;
-    case kLineEndCR:
-      if (!writeCharacter(13))
-        return false;
-      lastCharacter_ = 13;
-      break;
-    case kLineEndCRLF:
-      if (!writeCharacter(13) || !writeCharacter(10))
-        return false;
-      lastCharacter_ = 10;
-      break;
-    default: return false;
+    case kLineEndLF: ok = writeCharacter(10); break;
+    case kLineEndCR: ok = writeCharacter(13); break;
+    case kLineEndCRLF: ok = writeCharacter(13) && writeCharacter(10); break;
+    default: ok = false;
     }
+    if (!ok)
+      return false;
+    // As for putLineBreak: what was put is a line feed, whatever went out.
+    lastCharacter_ = 10;
   }
   return writeIndentation();
 }
@@ -221,4 +219,102 @@ bool StringWriter::writeFormatV(const char* theFormat, va_list theArgs) {
 
 const char* StringWriter::className() const { return "StringWriter"; }
 const char* StringWriter::superclassName() const { return "Writer"; }
+
+//===--- StreamWriter --------------------------------------------------------===//
+
+StreamWriter::StreamWriter(Stream* theStream, StringEncoding* theEncoding) {
+  ZnAssert(theStream != NULL, 0);
+  ZnAssert(theStream->isWritable(), 0);
+  stream_ = retained(theStream);
+  encoding_ = theEncoding ? retained(theEncoding) : adopt(StringEncodingWithID(kStringEncodingUTF8));
+  byteBuffer_ = adopt(new MutableData(0));
+}
+
+StreamWriter::~StreamWriter() = default;
+
+bool StreamWriter::atStart() const { return stream_->getPosition() == 0; }
+
+bool StreamWriter::writeEncoded(ZnIndex theConsumed, ZnIndex theCount) {
+  if (theConsumed != theCount)
+    return false;
+  ZnIndex length = byteBuffer_->getLength();
+  ZnIndex written = stream_->write(byteBuffer_->getBytesPtr(), length);
+  if (written > 0)
+    stream_->addToWriteCount(written);
+  return written == length;
+}
+
+bool StreamWriter::writeCharacters(const ZnUnichar* theCharacters, int theCount) {
+  byteBuffer_->setLength(0);
+  ZnIndex consumed = encoding_->encodeCharacters(theCharacters, theCount, byteBuffer_.get(), atStart());
+  return writeEncoded(consumed, theCount);
+}
+
+bool StreamWriter::writeCharacter(ZnUnichar theCharacter) { return writeCharacters(&theCharacter, 1); }
+
+bool StreamWriter::writeBytes(const uint8_t* theBytes, int theCount) {
+  byteBuffer_->setLength(0);
+  ZnIndex consumed = encoding_->encodeBytes(theBytes, theCount, byteBuffer_.get(), atStart());
+  return writeEncoded(consumed, theCount);
+}
+
+bool StreamWriter::writeIndentation() {
+  if (indentLevel_ <= 0)
+    return true;
+  ZnUnichar tabs[64];
+  for (ZnIndex i = 0; i < 64; ++i)
+    tabs[i] = 9;
+  for (int left = indentLevel_; left > 0; left -= 64)
+    if (!writeCharacters(tabs, left < 64 ? left : 64))
+      return false;
+  return true;
+}
+
+const char* StreamWriter::className() const { return "StreamWriter"; }
+const char* StreamWriter::superclassName() const { return "Writer"; }
+
+//===--- MultiWriter ---------------------------------------------------------===//
+
+MultiWriter::MultiWriter() : writers_(adopt(new MutableArray())) {}
+
+MultiWriter::~MultiWriter() = default;
+
+void MultiWriter::addWriter(Writer* theWriter) { writers_->addObject(theWriter); }
+
+template <class Action> bool MultiWriter::forEachWriter(Action theAction) {
+  bool ok = true;
+  for (ZnIndex i = writers_->getCount() - 1; i >= 0; --i)
+    ok = theAction(static_cast<Writer*>(writers_->objectAtIndex(i))) && ok;
+  return ok;
+}
+
+void MultiWriter::setIndentLevel(int theLevel) {
+  Writer::setIndentLevel(theLevel);
+  forEachWriter([&](Writer* w) { return w->setIndentLevel(theLevel), true; });
+}
+
+void MultiWriter::increaseIndent() {
+  Writer::increaseIndent();
+  forEachWriter([](Writer* w) { return w->increaseIndent(), true; });
+}
+
+void MultiWriter::decreaseIndent() {
+  Writer::decreaseIndent();
+  forEachWriter([](Writer* w) { return w->decreaseIndent(), true; });
+}
+
+bool MultiWriter::writeIndentation() {
+  return forEachWriter([](Writer* w) { return w->writeIndentation(); });
+}
+
+bool MultiWriter::writeCharacter(ZnUnichar theCharacter) {
+  return forEachWriter([&](Writer* w) { return w->writeCharacter(theCharacter); });
+}
+
+bool MultiWriter::writeCharacters(const ZnUnichar* theCharacters, int theCount) {
+  return forEachWriter([&](Writer* w) { return w->writeCharacters(theCharacters, theCount); });
+}
+
+const char* MultiWriter::className() const { return "MultiWriter"; }
+const char* MultiWriter::superclassName() const { return "Writer"; }
 } // namespace Zn

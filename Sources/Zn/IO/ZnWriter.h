@@ -2,10 +2,15 @@
 #pragma once
 #include <cstdarg>
 #include "Zn/Base/ZnObject.h"
+#include "Zn/Base/ZnRef.h"
 
 namespace Zn {
-class String;
+class MutableArray;
+class MutableData;
 class MutableString;
+class Stream;
+class String;
+class StringEncoding;
 
 /// Abstract character sink. The put operations translate line ends and
 /// write the indentation after every break; the write operations (the
@@ -46,6 +51,9 @@ public:
 protected:
   /// Writes one line break as the mode says, then the indentation.
   bool putLineBreak(ZnUnichar theCharacter);
+  /// Writes a run without line breaks and remembers its last character.
+  template <class CharT> bool putRun(const CharT* theCharacters, int theCount);
+  template <class CharT> bool putText(const CharT* theCharacters, int theCount);
 
   int indentLevel_ = 0;
   int lineEndMode_ = kLineEndLF;
@@ -72,5 +80,65 @@ protected:
 
 private:
   MutableString* string_;
+};
+
+/// Encodes characters onto a writable stream. Each write goes out at once
+/// (the stream may buffer); nothing is flushed or closed here.
+class StreamWriter : public Writer {
+public:
+  /// Retains both; a null encoding means UTF-8 without byte-order mark.
+  StreamWriter(Stream* theStream, StringEncoding* theEncoding = nullptr);
+  /// Borrowed.
+  Stream* getStream() const { return stream_.get(); }
+  StringEncoding* getEncoding() const { return encoding_.get(); }
+
+  /// The TABs of one line go out in one write.
+  bool writeIndentation() override;
+  bool writeCharacter(ZnUnichar theCharacter) override;
+  bool writeCharacters(const ZnUnichar* theCharacters, int theCount) override;
+  bool writeBytes(const uint8_t* theBytes, int theCount) override;
+  const char* className() const override;
+  const char* superclassName() const override;
+
+protected:
+  ~StreamWriter() override;
+
+private:
+  /// Writes the encoded bytes; false unless the encoder took everything and
+  /// the stream accepted every byte.
+  bool writeEncoded(ZnIndex theConsumed, ZnIndex theCount);
+  /// True while nothing was written to the stream, where a mark may go.
+  bool atStart() const;
+
+  Ref<Stream> stream_;
+  Ref<StringEncoding> encoding_;
+  Ref<MutableData> byteBuffer_;
+};
+
+/// Hands every write to each of its writers, the last added first. All of
+/// them are written to even after one failed; the result is true only when
+/// all succeeded.
+class MultiWriter : public Writer {
+public:
+  MultiWriter();
+  /// Retains theWriter.
+  void addWriter(Writer* theWriter);
+
+  void setIndentLevel(int theLevel) override;
+  void increaseIndent() override;
+  void decreaseIndent() override;
+  bool writeIndentation() override;
+  bool writeCharacter(ZnUnichar theCharacter) override;
+  bool writeCharacters(const ZnUnichar* theCharacters, int theCount) override;
+  const char* className() const override;
+  const char* superclassName() const override;
+
+protected:
+  ~MultiWriter() override;
+
+private:
+  /// Calls theAction on every writer, last first, and ANDs the results.
+  template <class Action> bool forEachWriter(Action theAction);
+  Ref<MutableArray> writers_;
 };
 } // namespace Zn

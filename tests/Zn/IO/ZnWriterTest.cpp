@@ -1,0 +1,111 @@
+//===- ZnWriterTest.cpp - Line ends, indentation, encoding onto streams ---===//
+#include "Support/ZnTestSupport.h"
+#include "Zn/Base/ZnData.h"
+#include "Zn/Base/ZnRef.h"
+#include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/IO/ZnFileStream.h"
+#include "Zn/IO/ZnWriter.h"
+#include <string>
+#include <unistd.h>
+
+using namespace Zn;
+
+namespace {
+class WriterTest : public ZnTest::LeakCheckedTest {};
+using WriterDeathTest = WriterTest;
+
+std::string Bytes(const Data* theData) {
+  return std::string(reinterpret_cast<const char*>(theData->getBytesPtr()), size_t(theData->getLength()));
+}
+} // namespace
+
+TEST_F(WriterTest, LineEndsAreTranslatedAndIndented) {
+  struct Case {
+    int mode, indent;
+    const char* input;
+    const char* expected;
+  } cases[] = {
+      {Writer::kLineEndCRLF, 0, "a\r\nb", "a\r\nb"},
+      {Writer::kLineEndCRLF, 1, "a\r\nb\n", "a\r\n\tb\r\n\t"},
+      {Writer::kLineEndLF, 2, "a\r\nb\rc\nd", "a\n\t\tb\n\t\tc\n\t\td"},
+      {Writer::kLineEndLF, 0, "a\r\r\n\nb", "a\n\n\nb"},
+      {Writer::kLineEndCR, 0, "a\n\nb\r\n", "a\r\rb\r"},
+      {Writer::kLineEndAsWritten, 1, "a\r\nb", "a\r\t\n\tb"},
+      // a negative level writes no TABs
+      {Writer::kLineEndLF, -1, "a\nb", "a\nb"},
+  };
+  for (const Case& c : cases) {
+    for (bool asBytes : {false, true}) {
+      auto writer = adopt(new StringWriter());
+      writer->setLineEndMode(c.mode);
+      writer->setIndentLevel(c.indent);
+      if (asBytes) {
+        EXPECT_TRUE(writer->putBytes(c.input));
+      } else {
+        auto text = adopt(new String(c.input));
+        EXPECT_TRUE(writer->putString(text.get()));
+      }
+      EXPECT_EQ(ZnTest::Utf8(writer->getString()), c.expected) << "mode " << c.mode << " " << c.input;
+    }
+  }
+}
+
+TEST_F(WriterTest, PutNewlinesLeavesAsWrittenModeForGood) {
+  auto writer = adopt(new StringWriter());
+  writer->setLineEndMode(Writer::kLineEndAsWritten);
+  writer->increaseIndent();
+  EXPECT_TRUE(writer->putNewlines(2));
+  EXPECT_EQ(writer->getLineEndMode(), Writer::kLineEndLF);
+  writer->decreaseIndent();
+  writer->decreaseIndent();
+  EXPECT_TRUE(writer->putFormat("%d\r", 7));
+  EXPECT_EQ(ZnTest::Utf8(writer->getString()), "\n\n\t7\n");
+  writer->setLineEndMode(9);
+  EXPECT_FALSE(writer->putNewlines(1));
+}
+
+TEST_F(WriterTest, StreamWriterEncodesAndMarksOnlyTheStart) {
+  auto data = adopt(new MutableData());
+  auto stream = adopt(Data::createWriteStream(data.get()));
+  auto writer = adopt(new StreamWriter(stream.get(), adopt(StringEncodingWithID(4)).get()));
+  writer->setIndentLevel(1);
+  EXPECT_TRUE(writer->putCharacter(0xE9));
+  EXPECT_TRUE(writer->putBytes("\n<"));
+  EXPECT_EQ(Bytes(data.get()), "\xEF\xBB\xBF\xC3\xA9\n\t<");
+  EXPECT_EQ(stream->getWriteCount(), 8);
+  // The default encoding is UTF-8 without a mark; a unit the encoder
+  // refuses fails the write.
+  data->setLength(0);
+  auto plain = adopt(Data::createWriteStream(data.get()));
+  auto utf8 = adopt(new StreamWriter(plain.get()));
+  EXPECT_TRUE(utf8->putCharacter(0x263A));
+  EXPECT_EQ(Bytes(data.get()), "\xE2\x98\xBA");
+  auto strict = adopt(new StreamWriter(plain.get(), adopt(StringEncodingWithID(6)).get()));
+  EXPECT_FALSE(strict->putCharacter(0x263A));
+}
+
+TEST_F(WriterTest, MultiWriterWritesToAllEvenAfterAFailure) {
+  // "rwb" opens read-only: every write to it falls short.
+  std::string path = testing::TempDir() + "ZnWriterTest." + std::to_string(getpid());
+  adopt(new Data("", 0))->writeToFile(path.c_str());
+  auto readOnly = adopt(FilePointerStream::createForReadingAndWriting(path.c_str()));
+  auto first = adopt(new StringWriter());
+  auto second = adopt(new StringWriter());
+  auto multi = adopt(new MultiWriter());
+  multi->addWriter(first.get());
+  multi->addWriter(adopt(new StreamWriter(readOnly.get())).get());
+  multi->addWriter(second.get());
+  multi->increaseIndent();
+  EXPECT_FALSE(multi->putString(adopt(new String("ab")).get()));
+  EXPECT_FALSE(multi->writeIndentation());
+  EXPECT_EQ(ZnTest::Utf8(first->getString()), "ab\t");
+  EXPECT_EQ(ZnTest::Utf8(second->getString()), "ab\t");
+  unlink(path.c_str());
+}
+
+TEST_F(WriterDeathTest, StreamMustExistAndBeWritable) {
+  EXPECT_EXIT(adopt(new StreamWriter(nullptr)), testing::ExitedWithCode(255), "theStream != NULL");
+  auto data = adopt(new Data("x", 1));
+  auto input = adopt(Data::createReadStream(data.get()));
+  EXPECT_EXIT(adopt(new StreamWriter(input.get())), testing::ExitedWithCode(255), "theStream->isWritable\\(\\)");
+}
