@@ -2,38 +2,17 @@
 #include "Zn/Util/ZnUtil.h"
 #include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnRef.h"
+#include "Zn/Base/ZnException.h"
 #include "Zn/Base/ZnString.h"
+#include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/IO/ZnFileStream.h"
+#include "Zn/IO/ZnWriter.h"
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <string>
 #include <sys/time.h>
 
 namespace Zn {
-
-// Appends the units as UTF-8; a lone surrogate is written as its own 3 bytes.
-static void AppendUtf8(std::string& theOut, const ZnUnichar* theUnits, ZnIndex theLength) {
-  for (ZnIndex i = 0; i < theLength; ++i) {
-    uint32_t c = theUnits[i];
-    if (c >= 0xD800 && c < 0xDC00 && i + 1 < theLength && theUnits[i + 1] >= 0xDC00 && theUnits[i + 1] < 0xE000)
-      c = 0x10000 + ((c - 0xD800) << 10) + (theUnits[++i] - 0xDC00);
-    if (c < 0x80) {
-      theOut += char(c);
-    } else if (c < 0x800) {
-      theOut += char(0xC0 | (c >> 6));
-      theOut += char(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-      theOut += char(0xE0 | (c >> 12));
-      theOut += char(0x80 | ((c >> 6) & 0x3F));
-      theOut += char(0x80 | (c & 0x3F));
-    } else {
-      theOut += char(0xF0 | (c >> 18));
-      theOut += char(0x80 | ((c >> 12) & 0x3F));
-      theOut += char(0x80 | ((c >> 6) & 0x3F));
-      theOut += char(0x80 | (c & 0x3F));
-    }
-  }
-}
 
 void Log(uint32_t theLevel, const char* theFormat, ...) {
   va_list args;
@@ -43,33 +22,36 @@ void Log(uint32_t theLevel, const char* theFormat, ...) {
 }
 
 void LogV(uint32_t, const char* theFormat, va_list theArgs) {
-  auto message = adopt(new MutableString());
-  message->appendFormatV(theFormat, theArgs);
+  try {
+    // The log file is opened for every line, so lines of many runs
+    // accumulate. One that cannot be opened loses the line: the log never
+    // fails its caller.
+    Ref<FilePointerStream> stream;
+    if (const char* path = std::getenv("ZNLOGFILE"))
+      stream = adopt(FilePointerStream::createForWriting(path, true));
+    else
+      stream = adopt(FilePointerStream::createStandardError());
+    if (!stream)
+      return;
+    auto encoding = adopt(StringEncodingWithID(kStringEncodingUTF8));
+    auto writer = adopt(new StreamWriter(stream.get(), encoding.get()));
 
-  time_t now = std::time(nullptr);
-  struct tm local;
-  localtime_r(&now, &local);
-  char prefix[64];
-  std::snprintf(prefix, sizeof prefix, "%04d-%02d-%02d %02d:%02d:%02d: ", local.tm_year + 1900,
-                local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
-  std::string line = prefix;
-  AppendUtf8(line, message->getCharactersPtr(), message->length());
-  // One call, one line.
-  if (line.back() != '\n')
-    line += '\n';
-
-  const char* path = std::getenv("ZNLOGFILE");
-  if (path == nullptr) {
-    std::fwrite(line.data(), 1, line.size(), stderr);
-    std::fflush(stderr);
-    return;
+    time_t now = std::time(nullptr);
+    struct tm local;
+    localtime_r(&now, &local);
+    auto line = adopt(new MutableString());
+    line->appendFormat("%04d-%02d-%02d %02d:%02d:%02d: ", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                       local.tm_hour, local.tm_min, local.tm_sec);
+    line->appendFormatV(theFormat, theArgs);
+    // One call, one line, written at once; the message's own line breaks
+    // go out as they are.
+    if (line->getCharactersPtr()[line->length() - 1] != 10)
+      line->appendCharacter(10);
+    writer->writeCharacters(line->getCharactersPtr(), line->length());
+    std::fflush(stream->getFile());
+  } catch (Exception* theException) {
+    auto ignored = adopt(theException);
   }
-  // The log file is opened for every line, so lines of many runs accumulate.
-  FILE* file = std::fopen(path, "ab");
-  if (file == nullptr)
-    return;
-  std::fwrite(line.data(), 1, line.size(), file);
-  std::fclose(file);
 }
 
 int LogMessage(uint32_t theLevel, const String* theSource, const SourceRange* theRange,
