@@ -92,6 +92,9 @@ public:
   const char* className() const override;
   const char* superclassName() const override;
 
+protected:
+  ~MutableData() override = default;
+
 private:
   void grow(ZnIndex theLength);
   ZnIndex capacity_ = 0;

@@ -57,6 +57,9 @@ public:
 
   const char* className() const override;
   const char* superclassName() const override;
+
+protected:
+  ~StringEncoding() override = default;
 };
 
 /// +1. The encoding numbered theID (see StringEncodingID), or null.
@@ -79,6 +82,9 @@ public:
                       bool theIsFirst) override;
   const char* className() const override;
   const char* superclassName() const override;
+
+protected:
+  ~UTF16Encoding() override = default;
 
 private:
   bool swapBytes_;
@@ -104,6 +110,9 @@ public:
   const char* className() const override;
   const char* superclassName() const override;
 
+protected:
+  ~UTF8Encoding() override = default;
+
 private:
   bool writeBOM_;
 };
@@ -122,6 +131,9 @@ public:
                       bool theIsFirst) override;
   const char* className() const override;
   const char* superclassName() const override;
+
+protected:
+  ~ASCIIEncoding() override = default;
 
 private:
   bool escapeUnicode_;
@@ -148,6 +160,9 @@ public:
                       bool theIsFirst) override;
   const char* className() const override;
   const char* superclassName() const override;
+
+protected:
+  ~HTMLEncoding() override = default;
 
 private:
   template <class CharT>

@@ -9,6 +9,8 @@ namespace Zn {
 DataStream::DataStream(Data* theData, bool theReadable, bool theWritable)
     : Stream(adopt(new String("(Memory Buffer)")).get(), theReadable, theWritable), data_(retained(theData)) {}
 
+DataStream::~DataStream() = default;
+
 ZnIndex DataStream::skip(ZnIndex theCount) {
   if (!isReadable())
     return -1;

@@ -23,6 +23,9 @@ public:
   const char* className() const override;
   const char* superclassName() const override;
 
+protected:
+  ~DataStream() override;
+
 private:
   Ref<Data> data_;
   ZnIndex position_ = 0;

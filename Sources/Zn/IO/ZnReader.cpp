@@ -194,6 +194,8 @@ StreamReader::StreamReader(Stream* theStream, StringEncoding* theEncoding) {
     decoded_ = adopt(new MutableString(256));
 }
 
+StreamReader::~StreamReader() = default;
+
 String* StreamReader::getSourceName() const {
   String* name = stream_->getName();
   return name ? static_cast<String*>(name->retain()) : new String();
@@ -264,6 +266,8 @@ StringReader::StringReader(const String* theString) {
   ZnAssert(theString != NULL, 0);
   string_ = retained(theString);
 }
+
+StringReader::~StringReader() = default;
 
 String* StringReader::getSourceName() const { return new String("(Memory Buffer)"); }
 

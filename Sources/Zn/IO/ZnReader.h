@@ -107,6 +107,9 @@ public:
   double getProgress() const override;
   bool readRawCharacter(ZnUnichar* theOut) override;
 
+protected:
+  ~StreamReader() override;
+
 private:
   /// Decodes blocks until theCount characters are waiting; false when the
   /// stream ends first.
@@ -127,6 +130,9 @@ public:
   double getProgress() const override;
   bool readRawCharacter(ZnUnichar* theOut) override;
   const char* className() const override;
+
+protected:
+  ~StringReader() override;
 
 private:
   Ref<const String> string_;

@@ -66,6 +66,8 @@ SubStream::SubStream(Stream* theStream, int64_t theStart, int64_t theLength)
   ZnAssert(success, 0);
 }
 
+SubStream::~SubStream() = default;
+
 int64_t SubStream::getPosition() const { return stream_->getPosition() - start_; }
 
 bool SubStream::setPosition(int64_t thePosition) { return stream_->setPosition(thePosition + start_); }

@@ -68,6 +68,9 @@ public:
   const char* className() const override;
   const char* superclassName() const override;
 
+protected:
+  ~SubStream() override;
+
 private:
   /// theCount cut so that it ends at the window's end, and never negative.
   ZnIndex clampCount(ZnIndex theCount) const;
