@@ -77,19 +77,6 @@ bool Number::isEqual(const Object* theOther) const {
   return std::memcmp(getBytes(), other->getBytes(), Sys::size_t(getSize())) == 0;
 }
 
-uint32_t Number::hash() const {
-  // Integers equal across sizes agree in their low 16 bits (extension
-  // keeps them), and nothing finer survives every pairing of sizes.
-  if (isInteger())
-    return getUnsignedIntValue() & 0xFFFF;
-  double value = getDoubleValue();
-  if (value == 0)
-    value = 0; // -0.0 equals 0.0 but prints differently
-  char text[256];
-  FormatFixed(value, text);
-  return HashMemory(text, StringLength(text));
-}
-
 const char* Number::className() const { return "Number"; }
 const char* Number::superclassName() const { return "Value"; }
 

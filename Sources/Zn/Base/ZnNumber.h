@@ -27,9 +27,6 @@ public:
   /// non-integers are equal when their "%f" texts agree; integers of
   /// different sizes compare converted, of one size by their bytes.
   bool isEqual(const Object* theOther) const override;
-  /// Consistent with isEqual across types: integers hash their low 16 bits,
-  /// non-integers their "%f" text.
-  uint32_t hash() const override;
   const char* className() const override;
   const char* superclassName() const override;
 };
