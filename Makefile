@@ -6,7 +6,7 @@ CMAKE_FLAGS ?=
 # Paths relative to the checkout let several checkouts share cached objects.
 export CCACHE_BASEDIR := $(CURDIR)
 
-.PHONY: run test build tools clean
+.PHONY: run test build tools clean install
 
 tools:
 	@scripts/ensure-tools.sh native
@@ -27,6 +27,11 @@ run: build
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+# `make install PREFIX=/opt/nbtext` (DESTDIR is honoured for staging).
+PREFIX ?= /usr/local
+install: build
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD) --prefix "$(PREFIX)"
 
 clean:
 	rm -rf $(BUILD) build-asan build-armhf
