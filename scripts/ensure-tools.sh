@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the tools a build needs when the machine lacks them (Debian, as root).
-# Usage: scripts/ensure-tools.sh [native] [cross]
+# Usage: scripts/ensure-tools.sh [native] [cross] [package]
 set -euo pipefail
 
 need=()
@@ -19,6 +19,10 @@ for what in "${@:-native}"; do
     cross)
       want arm-linux-gnueabihf-g++ g++-arm-linux-gnueabihf
       want qemu-arm qemu-user
+      ;;
+    package)
+      want dpkg-shlibdeps dpkg-dev
+      want man man-db
       ;;
     *) echo "ensure-tools: unknown set '$what'" >&2; exit 2 ;;
   esac
