@@ -1,0 +1,1125 @@
+//===- KxLexer.cpp - Tokens of notebook expressions ------------------------===//
+#include "Kx/KxLexer.h"
+#include <charconv>
+#include <cmath>
+#include <utility>
+#include "Kx/KxEncoding.h"
+#include "Kx/KxExprParser.h"
+#include "Kx/KxFunction.h"
+#include "Kx/KxNamedCharacterTable.h"
+#include "Kx/KxNumber.h"
+#include "Kx/KxString.h"
+#include "Kx/KxSymbol.h"
+#include "KxExprGrammar.hpp"
+#include "Zn/Base/ZnMemory.h"
+#include "Zn/IO/ZnReader.h"
+
+namespace Zn::Kx {
+
+namespace {
+
+bool IsSpace(ZnUnichar c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+bool IsDigit(ZnUnichar c) { return c >= '0' && c <= '9'; }
+bool IsLetter(ZnUnichar c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+/// Characters that may start a name: letters, "$", the context mark "`" and
+/// everything beyond ASCII.
+bool IsNameStart(ZnUnichar c) { return IsLetter(c) || c == '$' || c == '`' || c > 127; }
+
+/// The value of c as a digit of any base up to 36, or 99.
+int32_t DigitValue(ZnUnichar c) {
+  if (c >= '0' && c <= '9')
+    return c - '0';
+  if (c >= 'A' && c <= 'Z')
+    return c - 'A' + 10;
+  if (c >= 'a' && c <= 'z')
+    return c - 'a' + 10;
+  return 99;
+}
+
+/// The second characters of the box operators ("\(", "\^", ...).
+bool IsBoxOperatorCharacter(ZnUnichar c) {
+  switch (c) {
+  case '(': case ')': case '!': case '%': case '/': case '^': case '_':
+  case '&': case '+': case '@': case '`': case '*':
+    return true;
+  default:
+    return false;
+  }
+}
+
+/// Box operators after which the notation may leave out an operand.
+bool IsBoxOperator(int32_t theToken) {
+  switch (theToken) {
+  case KxRowBoxBegin: case KxFractionBox: case KxSuperscriptBox: case KxSubscriptBox:
+  case KxOverscriptBox: case KxUnderscriptBox: case KxBothBox: case KxSqrtBox: case KxFormBox:
+    return true;
+  default:
+    return false;
+  }
+}
+
+/// Tokens that end an operand: a "+" or "-" after them is binary. KxFunction
+/// is deliberately missing, so a sign after "#1" or "x_" is unary.
+bool EndsOperand(int32_t theToken) {
+  switch (theToken) {
+  case '}': case ')': case ']': case '.': case '%': case '&': case '\'': case '!': case '#':
+  case KxFactorial2: case KxMachineInteger: case KxBigInteger: case KxMachineReal: case KxBigReal:
+  case KxString: case KxSymbol: case KxDecrement: case KxIncrement: case KxRepeated:
+  case KxRepeatedNull: case KxRowBoxEnd:
+    return true;
+  default:
+    return false;
+  }
+}
+
+/// +1. A string holding the units of theText.
+String* CopyText(const MutableString* theText) {
+  return new String(theText->getCharactersPtr(), theText->length());
+}
+
+ParseValue Atom(Expr* theExpr) { return {theExpr, 0}; }
+
+/// 10 to the powers that a double holds exactly.
+constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+} // namespace
+
+//===--- Shared atoms -----------------------------------------------------------===//
+
+AtomTable::~AtomTable() {
+  for (ZnIndex i = 0; i < capacity_; ++i)
+    if (slots_[i].atom)
+      slots_[i].atom->release();
+  Free(slots_);
+  for (Expr* integer : integers_)
+    if (integer)
+      integer->release();
+}
+
+Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
+  const ZnUnichar* text = theText->getCharactersPtr();
+  ZnIndex length = theText->length();
+  uint32_t hash = 2166136261u;
+  for (ZnIndex i = 0; i < length; ++i)
+    hash = (hash ^ text[i]) * 16777619u;
+  hash ^= theIsSymbol ? 1 : 0;
+  if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
+    // Rehash into twice the room.
+    ZnIndex capacity = capacity_ == 0 ? 1024 : capacity_ * 2;
+    auto* slots = static_cast<Entry*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(Entry)));
+    for (ZnIndex i = 0; i < capacity_; ++i) {
+      if (!slots_[i].atom)
+        continue;
+      ZnIndex j = ZnIndex(slots_[i].hash & uint32_t(capacity - 1));
+      while (slots[j].atom)
+        j = (j + 1) & (capacity - 1);
+      slots[j] = slots_[i];
+    }
+    Free(slots_);
+    slots_ = slots;
+    capacity_ = capacity;
+  }
+  ZnIndex j = ZnIndex(hash & uint32_t(capacity_ - 1));
+  for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1)) {
+    const Entry& entry = slots_[j];
+    if (entry.hash == hash && entry.length == length && entry.isSymbol == theIsSymbol &&
+        (length == 0 || __builtin_memcmp(entry.text, text, Sys::size_t(length) * sizeof(ZnUnichar)) == 0))
+      return retained(entry.atom).leak();
+  }
+  auto characters = adopt(new String(text, length));
+  Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
+                           : static_cast<Expr*>(new CharacterString(characters.get(), true));
+  if (count_ < kMaximumEntries && count_ * 2 < capacity_) {
+    slots_[j] = {retained(atom).leak(), characters->getCharactersPtr(), length, hash, theIsSymbol};
+    ++count_;
+  }
+  return atom;
+}
+
+Expr* AtomTable::symbol(const MutableString* theName) { return find(theName, true); }
+
+Expr* AtomTable::string(const MutableString* theText) {
+  if (theText->length() > kMaximumStringLength)
+    return new CharacterString(CopyText(theText), false);
+  return find(theText, false);
+}
+
+Expr* AtomTable::integer(int32_t theValue) {
+  if (theValue < 0 || theValue >= kSmallIntegers)
+    return new MachineInteger(theValue);
+  Expr*& shared = integers_[theValue];
+  if (!shared)
+    shared = new MachineInteger(theValue);
+  return retained(shared).leak();
+}
+
+//===--- The lexer --------------------------------------------------------------===//
+
+Lexer::Lexer(ExprParser* theParser, Reader* theReader, int32_t theNesting)
+    : parser_(theParser), reader_(theReader), nesting_(theNesting) {
+  text_ = adopt(new MutableString(256));
+  group_ = adopt(new MutableString(64));
+}
+
+Lexer::~Lexer() = default;
+
+//===--- Characters and positions -------------------------------------------===//
+
+bool Lexer::get(ZnUnichar* theCharacter) { return reader_->readCharacter(theCharacter); }
+
+void Lexer::unget(ZnUnichar theCharacter) { reader_->unreadCharacter(theCharacter); }
+
+bool Lexer::skip(ZnUnichar theCharacter) {
+  ZnUnichar c;
+  if (!get(&c))
+    return false;
+  if (c == theCharacter)
+    return true;
+  unget(c);
+  return false;
+}
+
+void Lexer::markTokenStart(ZnIndex theConsumed) {
+  tokenColumn_ = reader_->getColumn() - theConsumed;
+  tokenBreaks_ = 0;
+}
+
+void Lexer::getTokenRange(SourceRange* theRange) const {
+  theRange->endLine = reader_->getLine();
+  theRange->endColumn = reader_->getColumn();
+  theRange->startLine = theRange->endLine - tokenBreaks_;
+  theRange->startColumn = tokenColumn_;
+}
+
+int32_t Lexer::refuse(const char* theMessage) {
+  parser_->refuse(theMessage);
+  return KxUnknown;
+}
+
+int32_t Lexer::open(int32_t theToken) {
+  if (++nesting_ > kMaxNestingDepth)
+    return refuse("expression nested too deeply");
+  return theToken;
+}
+
+int32_t Lexer::close(int32_t theToken) {
+  if (nesting_ > 0)
+    --nesting_;
+  return theToken;
+}
+
+int32_t Lexer::nextToken(ParseValue* theValue) {
+  theValue->expr = nullptr;
+  theValue->depth = 0;
+  int32_t token;
+  if (pendingToken_ != 0)
+    token = open(std::exchange(pendingToken_, 0));
+  else
+    token = boxDepth_ > 0 ? scanBox(theValue) : scanLinear(theValue);
+  lastToken_ = token;
+  return token;
+}
+
+//===--- The linear syntax --------------------------------------------------===//
+
+int32_t Lexer::scanLinear(ParseValue* theValue) {
+  ZnUnichar c;
+  for (;;) {
+    if (!get(&c)) {
+      markTokenStart(0);
+      return 0;
+    }
+    if (IsSpace(c) || c == '~') // the tilde is deliberately skipped like white space
+      continue;
+    markTokenStart(1);
+    switch (c) {
+    case '!':
+      if (skip('!'))
+        return KxFactorial2;
+      return skip('=') ? int32_t(KxUnequal) : '!';
+    case '"':
+      return scanString(theValue);
+    case '#':
+      return scanSlot(theValue);
+    case '%':
+      return scanOut(theValue);
+    case '&':
+      return skip('&') ? int32_t(KxAnd) : '&';
+    case '\'': case ',': case ';': case '?':
+      return c;
+    case '(':
+      if (skip('*')) {
+        if (!skipComment())
+          return refuse("unterminated comment");
+        continue;
+      }
+      return open('(');
+    case '[': case '{':
+      return open(c);
+    case ')': case ']': case '}':
+      return close(c);
+    case '*':
+      if (skip('*'))
+        return KxNonCommutativeMultiply;
+      return skip('=') ? int32_t(KxTimesBy) : '*';
+    case '+':
+      if (skip('+'))
+        return KxIncrement;
+      if (skip('='))
+        return KxIncrementBy;
+      return scanSign('+');
+    case '-':
+      if (skip('-'))
+        return KxDecrement;
+      if (skip('='))
+        return KxDecrementBy;
+      if (skip('>'))
+        return KxRule;
+      return scanSign('-');
+    case '.': {
+      if (skip('.'))
+        return skip('.') ? KxRepeatedNull : KxRepeated;
+      ZnUnichar next;
+      if (get(&next)) {
+        unget(next);
+        if (IsDigit(next))
+          return scanNumber(c, theValue);
+      }
+      return '.';
+    }
+    case '/':
+      if (skip('@'))
+        return KxMap;
+      if (skip('='))
+        return KxDivideBy;
+      if (skip('.'))
+        return KxReplaceAll;
+      if (skip(';'))
+        return KxCondition;
+      if (skip(':'))
+        return KxTag;
+      if (skip('/')) {
+        if (skip('@'))
+          return KxMapAll;
+        return skip('.') ? KxReplaceRepeated : KxSlashSlash;
+      }
+      return '/';
+    case ':':
+      if (skip('='))
+        return KxSetDelayed;
+      return skip('>') ? int32_t(KxRuleDelayed) : ':';
+    case '<':
+      if (skip('|')) {
+        // An association <| ... |> reads as Association[ ... ].
+        theValue->expr = new Symbol("Association");
+        pendingToken_ = '[';
+        return KxSymbol;
+      }
+      if (skip('<'))
+        return KxGet;
+      if (skip('='))
+        return KxLessEqual;
+      return skip('>') ? int32_t(KxStringJoin) : '<';
+    case '=':
+      if (skip('='))
+        return skip('=') ? KxSameQ : KxEqual;
+      if (skip('!')) {
+        if (skip('='))
+          return KxUnsameQ;
+        unget('!');
+      }
+      return '=';
+    case '>':
+      if (skip('>')) {
+        int32_t token = skip('>') ? KxPutAppend : KxPut;
+        skipFileName();
+        return token;
+      }
+      return skip('=') ? int32_t(KxGreaterEqual) : '>';
+    case '@':
+      if (skip('@'))
+        return skip('@') ? KxApply1 : KxApply;
+      return '@';
+    case '^':
+      if (skip('='))
+        return KxUpSet;
+      if (skip(':')) {
+        if (skip('='))
+          return KxUpSetDelayed;
+        unget(':');
+      }
+      return '^';
+    case '_':
+      return scanBlank(nullptr, theValue);
+    case '|':
+      if (skip('>'))
+        return close(']');
+      return skip('|') ? int32_t(KxOr) : '|';
+    case '\\': {
+      ZnUnichar next;
+      if (!get(&next))
+        return KxUnknown;
+      if (next == '\n')
+        continue; // a line continuation
+      if (next == '\r') {
+        skip('\n');
+        continue;
+      }
+      if (next == '(') {
+        boxDepth_ = 1;
+        return open(KxRowBoxBegin);
+      }
+      if (next == ')')
+        return KxRowBoxEnd; // without a group to close: a syntax error
+      if (next == '!') {
+        ZnUnichar second;
+        if (get(&second)) {
+          if (second == '\\') {
+            if (skip('(')) {
+              unget('(');
+              unget('\\');
+              return KxRowBoxEval;
+            }
+          }
+          unget(second);
+        }
+      }
+      unget(next);
+      return scanSymbol(c, theValue);
+    }
+    default:
+      if (IsDigit(c))
+        return scanNumber(c, theValue);
+      if (IsNameStart(c))
+        return scanSymbol(c, theValue);
+      return KxUnknown;
+    }
+  }
+}
+
+int32_t Lexer::scanSign(ZnUnichar theSign) {
+  if (EndsOperand(lastToken_))
+    return theSign;
+  return theSign == '+' ? KxUnaryPlus : KxUnaryMinus;
+}
+
+bool Lexer::skipComment() {
+  // "(*" has been read; comments nest.
+  int32_t depth = 1;
+  ZnUnichar c;
+  while (get(&c)) {
+    if (c == '(' && skip('*')) {
+      ++depth;
+    } else if (c == '*' && skip(')')) {
+      if (--depth == 0)
+        return true;
+    }
+  }
+  return false;
+}
+
+void Lexer::skipFileName() {
+  // The file name after ">>" or ">>>" is not kept.
+  ZnUnichar c;
+  do {
+    if (!get(&c))
+      return;
+  } while (c == ' ' || c == '\t');
+  if (c == '"') {
+    text_->setLength(0);
+    scanQuoted(text_.get(), false);
+    return;
+  }
+  while (!IsSpace(c) && c != ',' && c != ';' && c != ')' && c != ']' && c != '}' && c != '&' && c != '"') {
+    if (!get(&c))
+      return;
+  }
+  unget(c);
+}
+
+//===--- Names, blanks, slots and output references ---------------------------===//
+
+bool Lexer::readEscapedCharacter(ZnUnichar* theCharacter) {
+  // Longest escape: "[" + a name of at most kMaximumNameLength + "]".
+  ZnUnichar read[NamedCharacterTable::kMaximumNameLength + 2];
+  ZnIndex count = 0;
+  auto giveBack = [&]() {
+    while (count > 0)
+      unget(read[--count]);
+    return false;
+  };
+  ZnUnichar c;
+  if (!get(&c))
+    return false;
+  read[count++] = c;
+  if (c == '[') {
+    while (count < ZnIndex(sizeof(read) / sizeof(read[0]))) {
+      if (!get(&c))
+        return giveBack();
+      read[count++] = c;
+      if (c == ']')
+        return Encoding::lookupNamedCharacter(read + 1, count - 2, theCharacter) || giveBack();
+      if (!IsLetter(c) && !IsDigit(c))
+        return giveBack();
+    }
+    return giveBack();
+  }
+  ZnIndex digits = c == '.' ? 2 : c == ':' ? 4 : 0;
+  if (digits == 0)
+    return giveBack();
+  uint32_t value = 0;
+  for (ZnIndex i = 0; i < digits; ++i) {
+    if (!get(&c))
+      return giveBack();
+    read[count++] = c;
+    int32_t digit = DigitValue(c);
+    if (digit > 15)
+      return giveBack();
+    value = value * 16 + uint32_t(digit);
+  }
+  *theCharacter = ZnUnichar(value);
+  return true;
+}
+
+bool Lexer::scanName(ZnUnichar theFirst) {
+  text_->setLength(0);
+  ZnUnichar c = theFirst;
+  for (;;) {
+    if (IsNameStart(c) || (IsDigit(c) && text_->length() > 0)) {
+      text_->appendCharacter(c);
+    } else if (c == '\\') {
+      // A named character or a hexadecimal escape belongs to the name as
+      // the character it stands for.
+      ZnUnichar escaped;
+      if (!readEscapedCharacter(&escaped))
+        break;
+      text_->appendCharacter(escaped);
+    } else {
+      break;
+    }
+    if (!get(&c))
+      return text_->length() > 0;
+  }
+  if (c != '\\' || text_->length() > 0)
+    unget(c);
+  return text_->length() > 0;
+}
+
+int32_t Lexer::scanSymbol(ZnUnichar theFirst, ParseValue* theValue) {
+  if (!scanName(theFirst))
+    return KxUnknown;
+  auto symbol = adopt(parser_->getAtoms()->symbol(text_.get()));
+  if (skip('_'))
+    return scanBlank(symbol.get(), theValue);
+  theValue->expr = symbol.leak();
+  return KxSymbol;
+}
+
+int32_t Lexer::scanBlank(Expr* thePatternName, ParseValue* theValue) {
+  // One "_" has been read: "_", "__" and "___", each with an optional head.
+  Head kind = Head::Blank;
+  if (skip('_'))
+    kind = skip('_') ? Head::BlankNullSequence : Head::BlankSequence;
+  Ref<Function> blank;
+  ZnUnichar c;
+  if (get(&c)) {
+    if (IsNameStart(c) && scanName(c)) {
+      auto head = adopt(parser_->getAtoms()->symbol(text_.get()));
+      blank = adopt(new Function(HeadSymbol(kind), head.get()));
+    } else {
+      unget(c);
+    }
+  }
+  if (!blank)
+    blank = adopt(new Function(HeadSymbol(kind)));
+  if (thePatternName == nullptr) {
+    *theValue = {blank.leak(), 1};
+    return KxFunction;
+  }
+  *theValue = {new Function(HeadSymbol(Head::Pattern), thePatternName, blank.get()), 2};
+  return KxFunction;
+}
+
+int32_t Lexer::scanSlot(ParseValue* theValue) {
+  Head kind = skip('#') ? Head::SlotSequence : Head::Slot;
+  Ref<Expr> number = retained<Expr>(SharedOne());
+  ZnUnichar c;
+  bool more = get(&c);
+  if (more && IsDigit(c)) {
+    uint32_t value = 0;
+    do
+      value = value * 10 + uint32_t(c - '0');
+    while ((more = get(&c)) && IsDigit(c));
+    number = adopt<Expr>(new MachineInteger(int32_t(value)));
+  }
+  if (more)
+    unget(c);
+  *theValue = {new Function(HeadSymbol(kind), number.get()), 1};
+  return KxFunction;
+}
+
+int32_t Lexer::scanOut(ParseValue* theValue) {
+  Ref<Expr> number = retained<Expr>(SharedOne());
+  ZnUnichar c;
+  bool more = get(&c);
+  if (more && IsDigit(c)) {
+    uint32_t value = 0;
+    do
+      value = value * 10 + uint32_t(c - '0');
+    while ((more = get(&c)) && IsDigit(c));
+    number = adopt<Expr>(new MachineInteger(int32_t(value)));
+  } else if (more && c == '%') {
+    // %% is Out[-2], %%% Out[-3], ...
+    int32_t count = 1;
+    do
+      ++count;
+    while ((more = get(&c)) && c == '%');
+    number = adopt<Expr>(new MachineInteger(-count));
+  }
+  if (more)
+    unget(c);
+  *theValue = {new Function(HeadSymbol(Head::Out), number.get()), 1};
+  return KxFunction;
+}
+
+//===--- Numbers --------------------------------------------------------------===//
+
+namespace {
+
+/// A literal's digits as they are read: the value as a 32-bit integer that
+/// wraps silently and, for reals, what a float conversion needs.
+struct NumberDigits {
+  int32_t base = 10;
+  uint32_t integer = 0;
+  /// Base 10: up to 19 significant digits, and the power of ten to apply.
+  uint64_t mantissa = 0;
+  int32_t mantissaDigits = 0;
+  int32_t exponent = 0;
+  bool inexact = false;
+  /// Other bases: the value accumulated as a float.
+  double value = 0.0;
+  double fractionScale = 1.0;
+  bool sawPoint = false;
+
+  void add(int32_t theDigit) {
+    integer = integer * uint32_t(base) + uint32_t(theDigit);
+    if (base != 10) {
+      if (sawPoint) {
+        fractionScale /= base;
+        value += theDigit * fractionScale;
+      } else {
+        value = value * base + theDigit;
+      }
+      return;
+    }
+    if (mantissaDigits == 0 && theDigit == 0) {
+      // Leading zeros carry no information, but after the point they scale.
+      if (sawPoint)
+        --exponent;
+      return;
+    }
+    if (mantissaDigits < 19) {
+      mantissa = mantissa * 10 + uint64_t(theDigit);
+      ++mantissaDigits;
+      if (sawPoint)
+        --exponent;
+      return;
+    }
+    inexact = inexact || theDigit != 0;
+    if (!sawPoint)
+      ++exponent;
+  }
+};
+
+/// The float value of the digits times 10^theExponent. Short mantissas with
+/// small exponents are converted exactly by one multiplication or division;
+/// anything else goes through the library's correctly rounded conversion of
+/// the kept text (theText: digits and one point, in base 10).
+double RealValue(const NumberDigits& theDigits, int32_t theExponent, const MutableString* theText) {
+  if (theDigits.base != 10)
+    return theDigits.value * std::pow(10.0, theExponent);
+  int64_t power = int64_t(theDigits.exponent) + theExponent;
+  if (!theDigits.inexact && theDigits.mantissa <= (uint64_t(1) << 53) && power >= -22 && power <= 22) {
+    double m = double(theDigits.mantissa);
+    return power >= 0 ? m * kExactPowers[power] : m / kExactPowers[-power];
+  }
+  ZnIndex length = theText->length();
+  char* buffer = static_cast<char*>(Allocate(Sys::size_t(length) + 16));
+  for (ZnIndex i = 0; i < length; ++i)
+    buffer[i] = char(theText->getCharactersPtr()[i]);
+  int written = StringFormat(buffer + length, 16, "e%d", theExponent);
+  double result = 0.0;
+  std::from_chars(buffer, buffer + length + written, result);
+  Free(buffer);
+  return result;
+}
+} // namespace
+
+int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
+  NumberDigits digits;
+  text_->setLength(0);
+  ZnUnichar c = theFirst;
+  bool more = true;
+  // The digits of the current base, with at most one point among them; a
+  // backslash and a line end inside the number are skipped.
+  auto readDigits = [&]() {
+    for (; more; more = get(&c)) {
+      int32_t digit = DigitValue(c);
+      if (digit < digits.base) {
+        digits.add(digit);
+        text_->appendCharacter(c);
+        continue;
+      }
+      if (c == '.' && !digits.sawPoint) {
+        // "1.." is 1 followed by "..", not the real 1.0 and a ".".
+        if (skip('.')) {
+          unget('.');
+          break;
+        }
+        digits.sawPoint = true;
+        text_->appendCharacter(c);
+        continue;
+      }
+      if (c == '\\') {
+        ZnUnichar next;
+        if (get(&next)) {
+          if (next == '\n')
+            continue;
+          if (next == '\r') {
+            skip('\n');
+            continue;
+          }
+          unget(next);
+        }
+      }
+      break;
+    }
+  };
+  readDigits();
+  if (more && c == '^' && !digits.sawPoint) {
+    if (skip('^')) {
+      // base^^digits: the base is clamped to 2-36.
+      int32_t base = int32_t(digits.integer);
+      digits = NumberDigits();
+      digits.base = base < 2 ? 2 : base > 36 ? 36 : base;
+      text_->setLength(0);
+      more = get(&c);
+      readDigits();
+    }
+  }
+  bool isReal = digits.sawPoint;
+  if (more && c == '`') {
+    // A precision mark: "`" or "``" and its digits, which leave the value alone.
+    isReal = true;
+    more = get(&c);
+    if (more && c == '`')
+      more = get(&c);
+    bool point = false;
+    while (more && (IsDigit(c) || (c == '.' && !point))) {
+      point = point || c == '.';
+      more = get(&c);
+    }
+  }
+  int32_t exponent = 0;
+  if (more && c == '*') {
+    // "*^" and a signed exponent; anything else after "*" is given back.
+    ZnUnichar read[3];
+    ZnIndex count = 0;
+    bool negative = false;
+    ZnUnichar next;
+    bool haveNext = get(&next);
+    if (haveNext && next == '^') {
+      read[count++] = next;
+      haveNext = get(&next);
+      if (haveNext && (next == '-' || next == '+')) {
+        read[count++] = next;
+        negative = next == '-';
+        haveNext = get(&next);
+      }
+    }
+    if (count > 0 && haveNext && IsDigit(next)) {
+      isReal = true;
+      int32_t value = 0;
+      do {
+        if (value < 100000)
+          value = value * 10 + (next - '0');
+      } while ((haveNext = get(&next)) && IsDigit(next));
+      exponent = negative ? -value : value;
+      more = haveNext;
+      c = next;
+    } else {
+      if (haveNext)
+        unget(next);
+      while (count > 0)
+        unget(read[--count]);
+    }
+  }
+  if (more)
+    unget(c);
+  if (isReal) {
+    theValue->expr = new MachineReal(RealValue(digits, exponent, text_.get()));
+    return KxMachineReal;
+  }
+  theValue->expr = parser_->getAtoms()->integer(int32_t(digits.integer));
+  return KxMachineInteger;
+}
+
+//===--- Strings ----------------------------------------------------------------===//
+
+bool Lexer::scanQuoted(MutableString* theText, bool theParseGroups) {
+  ZnUnichar c;
+  for (;;) {
+    if (!get(&c))
+      return false;
+    if (c == '"')
+      return true;
+    if (c == '\n') {
+      // The lines of a long string are joined.
+      ++tokenBreaks_;
+      continue;
+    }
+    if (c == '\r') {
+      ++tokenBreaks_;
+      if (skip('\n'))
+        continue;
+      theText->appendCharacter(c);
+      continue;
+    }
+    if (c != '\\') {
+      theText->appendCharacter(c);
+      continue;
+    }
+    if (!get(&c))
+      return false;
+    switch (c) {
+    case '\n':
+      ++tokenBreaks_;
+      break;
+    case '\r':
+      ++tokenBreaks_;
+      skip('\n');
+      break;
+    case '[': case '.': case ':': {
+      unget(c);
+      ZnUnichar escaped;
+      theText->appendCharacter(readEscapedCharacter(&escaped) ? escaped : ZnUnichar('\\'));
+      break;
+    }
+    case '(':
+      if (!scanGroup("\\(", theText, theParseGroups))
+        return false;
+      break;
+    case '!': {
+      ZnUnichar next;
+      if (get(&next)) {
+        if (next == '\\' && skip('(')) {
+          if (!scanGroup("\\!\\(", theText, theParseGroups))
+            return false;
+          break;
+        }
+        unget(next);
+      }
+      theText->appendCString("\\!");
+      break;
+    }
+    default:
+      // "\"" and "\\" keep their backslash, like every escape not decoded here.
+      theText->appendCharacter('\\');
+      theText->appendCharacter(c);
+      break;
+    }
+  }
+}
+
+bool Lexer::scanGroup(const char* theOpening, MutableString* theText, bool theParse) {
+  SourceRange range;
+  range.startLine = reader_->getLine();
+  range.startColumn = reader_->getColumn() - int64_t(StringLength(theOpening));
+  group_->setLength(0);
+  group_->appendCString(theOpening);
+  int32_t depth = 1;
+  ZnUnichar c;
+  while (depth > 0) {
+    if (!get(&c))
+      return false;
+    if (c == '"') {
+      // The string ends inside the group, which therefore stays text.
+      unget(c);
+      theText->appendString(group_.get());
+      return true;
+    }
+    if (c == '\n' || c == '\r') {
+      ++tokenBreaks_;
+      continue;
+    }
+    if (c != '\\') {
+      group_->appendCharacter(c);
+      continue;
+    }
+    if (!get(&c))
+      return false;
+    if (c == '\n' || c == '\r') {
+      ++tokenBreaks_;
+      continue;
+    }
+    group_->appendCharacter('\\');
+    group_->appendCharacter(c);
+    if (c == '(')
+      ++depth;
+    else if (c == ')')
+      --depth;
+  }
+  if (!theParse) {
+    theText->appendString(group_.get());
+    return true;
+  }
+  range.endLine = reader_->getLine();
+  range.endColumn = reader_->getColumn();
+  auto text = adopt(CopyText(group_.get()));
+  ParseValue box;
+  if (!parser_->parseSubExpression(text.get(), range, true, &box)) {
+    parser_->discard(box);
+    theText->appendString(text.get());
+    return true;
+  }
+  flushPiece(theText);
+  if (!pieces_)
+    pieces_ = adopt(new MutableFunction(2, HeadSymbol(Head::List)));
+  pieces_->appendArgument(box.expr, false);
+  if (box.depth > piecesDepth_)
+    piecesDepth_ = box.depth;
+  return true;
+}
+
+void Lexer::flushPiece(MutableString* theText) {
+  if (theText->length() == 0)
+    return;
+  if (!pieces_)
+    pieces_ = adopt(new MutableFunction(2, HeadSymbol(Head::List)));
+  pieces_->appendArgument(new CharacterString(CopyText(theText), false), false);
+  theText->setLength(0);
+}
+
+int32_t Lexer::scanString(ParseValue* theValue) {
+  text_->setLength(0);
+  pieces_ = nullptr;
+  piecesDepth_ = 0;
+  if (!scanQuoted(text_.get(), true)) {
+    pieces_ = nullptr;
+    return refuse("unterminated string");
+  }
+  if (!pieces_) {
+    *theValue = Atom(parser_->getAtoms()->string(text_.get()));
+    return KxString;
+  }
+  // Text with parsed box groups: the pieces in a row, or the one box alone.
+  flushPiece(text_.get());
+  Ref<MutableFunction> pieces = std::move(pieces_);
+  if (pieces->length() == 1) {
+    *theValue = {retained(pieces->part(1)).leak(), piecesDepth_};
+    return KxString;
+  }
+  *theValue = {new Function(HeadSymbol(Head::RowBox), pieces.get()), piecesDepth_ + 2};
+  return KxString;
+}
+
+//===--- Box mode -----------------------------------------------------------------===//
+
+int32_t Lexer::scanBox(ParseValue* theValue) {
+  if (readElement_) {
+    readElement_ = false;
+    return scanElement(theValue);
+  }
+  ZnUnichar c;
+  for (;;) {
+    if (!get(&c)) {
+      markTokenStart(0);
+      return 0;
+    }
+    if (IsSpace(c))
+      continue;
+    markTokenStart(1);
+    if (c != '\\')
+      return scanRun(c, theValue);
+    ZnUnichar op;
+    if (!get(&op))
+      return scanRun(c, theValue);
+    switch (op) {
+    case '\n':
+      continue;
+    case '\r':
+      skip('\n');
+      continue;
+    case '(':
+      ++boxDepth_;
+      return open(KxRowBoxBegin);
+    case ')': case '%': case '/': case '^': case '_': case '&': case '+':
+      if (IsBoxOperator(lastToken_)) {
+        // An operand left out of the notation: an empty string stands for it.
+        unget(op);
+        unget('\\');
+        text_->setLength(0);
+        *theValue = Atom(parser_->getAtoms()->string(text_.get()));
+        return KxString;
+      }
+      switch (op) {
+      case ')':
+        --boxDepth_;
+        return close(KxRowBoxEnd);
+      case '%':
+        return KxBothBox;
+      case '/':
+        return KxFractionBox;
+      case '^':
+        return KxSuperscriptBox;
+      case '_':
+        return KxSubscriptBox;
+      case '&':
+        return KxOverscriptBox;
+      default:
+        return KxUnderscriptBox;
+      }
+    case '@':
+      return KxSqrtBox;
+    case '`':
+      return KxFormBox;
+    case '!':
+      return KxRowBoxEval;
+    case '*':
+      readElement_ = true;
+      return KxInterpretBox;
+    default:
+      unget(op);
+      return scanRun(c, theValue);
+    }
+  }
+}
+
+int32_t Lexer::scanRun(ZnUnichar theFirst, ParseValue* theValue) {
+  text_->setLength(0);
+  ZnUnichar c = theFirst;
+  for (;;) {
+    if (IsSpace(c))
+      break;
+    if (c == '"') {
+      text_->appendCharacter(c);
+      if (!scanQuoted(text_.get(), false))
+        return refuse("unterminated string");
+      text_->appendCharacter(c);
+    } else if (c != '\\') {
+      text_->appendCharacter(c);
+    } else {
+      ZnUnichar next;
+      if (!get(&next)) {
+        text_->appendCharacter(c);
+        break;
+      }
+      if (IsBoxOperatorCharacter(next)) {
+        unget(next);
+        unget(c);
+        break;
+      }
+      switch (next) {
+      case '\n':
+        break;
+      case '\r':
+        skip('\n');
+        break;
+      case '[': case '.': case ':': {
+        unget(next);
+        ZnUnichar escaped;
+        text_->appendCharacter(readEscapedCharacter(&escaped) ? escaped : c);
+        break;
+      }
+      case '"': case '\\': case ' ':
+        text_->appendCharacter(next);
+        break;
+      case 'n':
+        text_->appendCharacter('\n');
+        break;
+      case 't':
+        text_->appendCharacter('\t');
+        break;
+      default:
+        text_->appendCharacter(c);
+        text_->appendCharacter(next);
+        break;
+      }
+    }
+    if (!get(&c))
+      break;
+  }
+  *theValue = Atom(parser_->getAtoms()->string(text_.get()));
+  return KxString;
+}
+
+int32_t Lexer::scanElement(ParseValue* theValue) {
+  // The element after "\*", kept as text: it runs to white space or a box
+  // operator outside brackets, quotes and groups, or to the "\)" that closes
+  // the enclosing group.
+  text_->setLength(0);
+  ZnUnichar c;
+  do {
+    if (!get(&c)) {
+      *theValue = Atom(new CharacterString(CopyText(text_.get()), false));
+      return KxString;
+    }
+  } while (IsSpace(c));
+  markTokenStart(1);
+  int32_t brackets = 0;
+  int32_t groups = 0;
+  bool quoted = false;
+  bool escapedQuoted = false;
+  for (bool more = true; more; more = get(&c)) {
+    if (quoted) {
+      text_->appendCharacter(c);
+      if (c == '"')
+        quoted = false;
+      else if (c == '\\' && get(&c))
+        text_->appendCharacter(c);
+      continue;
+    }
+    if (c == '\\') {
+      ZnUnichar next;
+      if (!get(&next)) {
+        text_->appendCharacter(c);
+        break;
+      }
+      bool outside = brackets == 0 && groups == 0 && !escapedQuoted;
+      if ((next == ')' && groups == 0) || (outside && next != '(' && IsBoxOperatorCharacter(next))) {
+        unget(next);
+        unget(c);
+        break;
+      }
+      if (next == '\n' || next == '\r')
+        continue;
+      if (next == '(')
+        ++groups;
+      else if (next == ')')
+        --groups;
+      else if (next == '"')
+        escapedQuoted = !escapedQuoted;
+      text_->appendCharacter(c);
+      text_->appendCharacter(next);
+      continue;
+    }
+    if (c == '\n' || c == '\r')
+      continue;
+    if (!escapedQuoted) {
+      if (c == '"') {
+        quoted = true;
+      } else if (c == '[' || c == '(' || c == '{') {
+        ++brackets;
+      } else if ((c == ']' || c == ')' || c == '}') && brackets > 0) {
+        --brackets;
+      } else if (brackets == 0 && groups == 0 && IsSpace(c)) {
+        break;
+      }
+    }
+    text_->appendCharacter(c);
+  }
+  *theValue = Atom(new CharacterString(CopyText(text_.get()), false));
+  return KxString;
+}
+} // namespace Zn::Kx

@@ -1,0 +1,236 @@
+//===- KxLexerTest.cpp - Tokens of the linear syntax and of box notation ---===//
+#include <vector>
+#include "Kx/KxExprBuilders.h"
+#include "Kx/KxExprParser.h"
+#include "Kx/KxLexer.h"
+#include "KxExprGrammar.hpp"
+#include "Zn/IO/ZnReader.h"
+
+using namespace Zn;
+using namespace Zn::Kx;
+
+namespace {
+using KxTest::FullForm;
+
+class LexerTest : public ZnTest::LeakCheckedTest {
+protected:
+  void SetUp() override {
+    LeakCheckedTest::SetUp();
+    testing::internal::CaptureStderr(); // refusals log a line
+  }
+  void TearDown() override {
+    testing::internal::GetCapturedStderr();
+    LeakCheckedTest::TearDown();
+  }
+};
+
+struct Lexed {
+  std::vector<int32_t> codes;
+  std::string values; // the values' full forms, "|" between them
+};
+
+/// Every token of theText, up to the end or the first KxUnknown.
+Lexed Lex(const std::string& theText) {
+  auto reader = adopt<Reader>(new StringReader(adopt(new String(theText.c_str())).get()));
+  auto parser = adopt(new ExprParser(reader.get()));
+  Lexer lexer(parser.get(), reader.get(), 0);
+  Lexed lexed;
+  for (int32_t code = -1; code != 0 && code != KxUnknown && lexed.codes.size() < 64;) {
+    ParseValue value;
+    code = lexer.nextToken(&value);
+    if (code == 0)
+      break;
+    lexed.codes.push_back(code);
+    if (value.expr) {
+      lexed.values += (lexed.values.empty() ? "" : "|") + FullForm(value.expr);
+      value.expr->release();
+    }
+  }
+  return lexed;
+}
+
+struct Case {
+  const char* text;
+  std::vector<int32_t> codes;
+  const char* values;
+};
+
+void Check(const Case* theCases, size_t theCount) {
+  for (size_t i = 0; i < theCount; ++i) {
+    SCOPED_TRACE(theCases[i].text);
+    Lexed lexed = Lex(theCases[i].text);
+    EXPECT_EQ(lexed.codes, theCases[i].codes);
+    EXPECT_EQ(lexed.values, theCases[i].values);
+  }
+}
+} // namespace
+
+TEST_F(LexerTest, EveryOperatorIsOneToken) {
+  const Case cases[] = {
+      {"&&", {KxAnd}, ""},          {"@@", {KxApply}, ""},         {"@@@", {KxApply1}, ""},
+      {"/;", {KxCondition}, ""},    {"--", {KxDecrement}, ""},     {"-=", {KxDecrementBy}, ""},
+      {"/=", {KxDivideBy}, ""},     {"==", {KxEqual}, ""},         {"!!", {KxFactorial2}, ""},
+      {"<<", {KxGet}, ""},          {">=", {KxGreaterEqual}, ""},  {"++", {KxIncrement}, ""},
+      {"+=", {KxIncrementBy}, ""},  {"<=", {KxLessEqual}, ""},     {"/@", {KxMap}, ""},
+      {"//@", {KxMapAll}, ""},      {"**", {KxNonCommutativeMultiply}, ""},
+      {"||", {KxOr}, ""},           {">>", {KxPut}, ""},           {">>>", {KxPutAppend}, ""},
+      {"..", {KxRepeated}, ""},     {"...", {KxRepeatedNull}, ""}, {"/.", {KxReplaceAll}, ""},
+      {"//.", {KxReplaceRepeated}, ""}, {"->", {KxRule}, ""},      {":>", {KxRuleDelayed}, ""},
+      {"===", {KxSameQ}, ""},       {":=", {KxSetDelayed}, ""},    {"//", {KxSlashSlash}, ""},
+      {"<>", {KxStringJoin}, ""},   {"/:", {KxTag}, ""},           {"*=", {KxTimesBy}, ""},
+      {"!=", {KxUnequal}, ""},      {"=!=", {KxUnsameQ}, ""},      {"^=", {KxUpSet}, ""},
+      {"^:=", {KxUpSetDelayed}, ""},
+      // Single characters are their own codes.
+      {"! & ' ( ) * , . / : ; < = > ? @ [ ] ^ { | }",
+       {'!', '&', '\'', '(', ')', '*', ',', '.', '/', ':', ';', '<', '=', '>', '?', '@', '[', ']', '^', '{', '|', '}'},
+       ""},
+      // Near misses give their characters back.
+      {"=!a", {'=', '!', KxSymbol}, "a"},
+      {"^:a", {'^', ':', KxSymbol}, "a"},
+      {"a>>file;b", {KxSymbol, KxPut, ';', KxSymbol}, "a|b"},
+      // An association reads as Association[...].
+      {"<|a|>", {KxSymbol, '[', KxSymbol, ']'}, "Association|a"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(LexerTest, SignsAreUnaryUnlessAnOperandEndsBeforeThem) {
+  const Case cases[] = {
+      {"a-b", {KxSymbol, '-', KxSymbol}, "a|b"},
+      {"-b", {KxUnaryMinus, KxSymbol}, "b"},
+      {"+b", {KxUnaryPlus, KxSymbol}, "b"},
+      {"2--3", {KxMachineInteger, KxDecrement, KxMachineInteger}, "2|3"},
+      {"a*-b", {KxSymbol, '*', KxUnaryMinus, KxSymbol}, "a|b"},
+      {"(a)-b", {'(', KxSymbol, ')', '-', KxSymbol}, "a|b"},
+      {"f[x]+{}-\"s\"-1.5", {KxSymbol, '[', KxSymbol, ']', '+', '{', '}', '-', KxString, '-', KxMachineReal},
+       "f|x|\"s\"|1.500000"},
+      {"a!-a'-a++-a..-b", {KxSymbol, '!', '-', KxSymbol, '\'', '-', KxSymbol, KxIncrement, '-', KxSymbol,
+                           KxRepeated, '-', KxSymbol}, "a|a|a|a|b"},
+      {"\\(a\\)-b", {KxRowBoxBegin, KxString, KxRowBoxEnd, '-', KxSymbol}, "\"a\"|b"},
+      // A ready-made expression does not end an operand: the sign is unary.
+      {"#1+1", {KxFunction, KxUnaryPlus, KxMachineInteger}, "Slot[1]|1"},
+      {"x_-1", {KxFunction, KxUnaryMinus, KxMachineInteger}, "Pattern[x, Blank[]]|1"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(LexerTest, SkipsCommentsTildesAndLineContinuations) {
+  const Case cases[] = {
+      {"(* a (* b *) c *) x", {KxSymbol}, "x"},
+      {"(**)(*)*)x", {KxSymbol}, "x"},
+      {"a~b", {KxSymbol, KxSymbol}, "a|b"},
+      {"a \\\nb \\\r\nc", {KxSymbol, KxSymbol, KxSymbol}, "a|b|c"},
+      {"x (* open", {KxSymbol, KxUnknown}, "x"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(LexerTest, NamesSlotsOutputsAndBlanks) {
+  const Case cases[] = {
+      {"$x`y1", {KxSymbol}, "$x`y1"},
+      {"a\\[Alpha]\\:03b2", {KxSymbol}, "a\xCE\xB1\xCE\xB2"},
+      {"a\\[NoSuch]", {KxSymbol, KxUnknown}, "a"},
+      {"# #2 ## ##3", {KxFunction, KxFunction, KxFunction, KxFunction},
+       "Slot[1]|Slot[2]|SlotSequence[1]|SlotSequence[3]"},
+      {"% %% %%% %7", {KxFunction, KxFunction, KxFunction, KxFunction}, "Out[1]|Out[-2]|Out[-3]|Out[7]"},
+      {"_ __ ___ _h", {KxFunction, KxFunction, KxFunction, KxFunction},
+       "Blank[]|BlankSequence[]|BlankNullSequence[]|Blank[h]"},
+      {"x_ y__h", {KxFunction, KxFunction}, "Pattern[x, Blank[]]|Pattern[y, BlankSequence[h]]"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(LexerTest, NumbersOfEveryForm) {
+  const Case cases[] = {
+      {"0 42 007", {KxMachineInteger, KxMachineInteger, KxMachineInteger}, "0|42|7"},
+      {"3000000000", {KxMachineInteger}, "-1294967296"}, // wraps at 32 bits
+      {"600. .5 0.1", {KxMachineReal, KxMachineReal, KxMachineReal}, "600.000000|0.500000|0.100000"},
+      {"16^^ff 2^^101 36^^z 40^^10 1^^11", {KxMachineInteger, KxMachineInteger, KxMachineInteger,
+                                            KxMachineInteger, KxMachineInteger}, "255|5|35|36|3"},
+      {"16^^f.8", {KxMachineReal}, "15.500000"},
+      {"1.5*^3 2*^-2 1*^+1", {KxMachineReal, KxMachineReal, KxMachineReal}, "1500.000000|0.020000|10.000000"},
+      {"3.87`*^9 1`20 2``10.5", {KxMachineReal, KxMachineReal, KxMachineReal},
+       "3870000000.000000|1.000000|2.000000"},
+      {"123456789012345678901234.5", {KxMachineReal}, "123456789012345685803008.000000"},
+      {"12\\\n34", {KxMachineInteger}, "1234"},
+      // Characters that do not continue the number are given back.
+      {"2^3", {KxMachineInteger, '^', KxMachineInteger}, "2|3"},
+      {"2*x 2*^x", {KxMachineInteger, '*', KxSymbol, KxMachineInteger, '*', '^', KxSymbol}, "2|x|2|x"},
+      {"1..2", {KxMachineInteger, KxRepeated, KxMachineInteger}, "1|2"},
+      {"1.2.3", {KxMachineReal, KxMachineReal}, "1.200000|0.300000"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(LexerTest, StringsJoinLinesAndDecodeCharacterEscapes) {
+  const Case cases[] = {
+      {R"t("a\nb\t")t", {KxString}, R"t("a\nb\t")t"},
+      {"\"a\nb\r\nc\\\nd\"", {KxString}, "\"abcd\""},
+      {R"t("q\"b\\")t", {KxString}, R"t("q\"b\\")t"},
+      {R"t("\[Alpha]\.41\:00e9")t", {KxString}, "\"\xCE\xB1" "A\xC3\xA9\""},
+      {R"t("\[NoSuch] \[Alpha \.4 \:12g4")t", {KxString}, R"t("\[NoSuch] \[Alpha \.4 \:12g4")t"},
+      {R"t("unterminated)t", {KxUnknown}, ""},
+      {R"t("x\)t", {KxUnknown}, ""},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(LexerTest, BoxGroupsInsideStringsAreParsedWithTheirText) {
+  const Case cases[] = {
+      {R"t("a\!\(x\^2\)b")t", {KxString},
+       R"t(RowBox[List["a", RowBox[List[SuperscriptBox["x", "2"]]], "b"]])t"},
+      {R"t("\(x\)")t", {KxString}, R"t(RowBox[List["x"]])t"},
+      // A group that does not parse stays text; so does a group cut off by the end of the string.
+      {R"t("a\(\%\)b")t", {KxString}, R"t("a\(\%\)b")t"},
+      {R"t("a\(x")t", {KxString}, R"t("a\(x")t"},
+      // Escaped backslashes are not groups.
+      {R"t("\\(x\\)")t", {KxString}, R"t("\\(x\\)")t"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(LexerTest, BoxModeSplitsRunsAndBoxOperators) {
+  const Case cases[] = {
+      {R"t(\(a + bc\))t", {KxRowBoxBegin, KxString, KxString, KxString, KxRowBoxEnd}, R"t("a"|"+"|"bc")t"},
+      {R"t(\(\(x\)\))t", {KxRowBoxBegin, KxRowBoxBegin, KxString, KxRowBoxEnd, KxRowBoxEnd}, R"t("x")t"},
+      {R"t(\!\(a\/b\^c\_d\&e\+f\%g\`h\@i\))t",
+       {KxRowBoxEval, KxRowBoxBegin, KxString, KxFractionBox, KxString, KxSuperscriptBox, KxString,
+        KxSubscriptBox, KxString, KxOverscriptBox, KxString, KxUnderscriptBox, KxString, KxBothBox,
+        KxString, KxFormBox, KxString, KxSqrtBox, KxString, KxRowBoxEnd},
+       R"t("a"|"b"|"c"|"d"|"e"|"f"|"g"|"h"|"i")t"},
+      // Quoted strings join the run with their quotes; escapes in runs are decoded.
+      {R"t(\(f["x y"]\ \[Alpha]\"q\" z\))t", {KxRowBoxBegin, KxString, KxString, KxRowBoxEnd},
+       "\"f[\"x y\"] \xCE\xB1\"q\"\"|\"z\""},
+      // Empty operands are supplied after "\(" and after box operators.
+      {R"t(\(\))t", {KxRowBoxBegin, KxString, KxRowBoxEnd}, R"t("")t"},
+      {R"t(\(a\^\))t", {KxRowBoxBegin, KxString, KxSuperscriptBox, KxString, KxRowBoxEnd}, R"t("a"|"")t"},
+      {R"t(\(\%b\))t", {KxRowBoxBegin, KxString, KxBothBox, KxString, KxRowBoxEnd}, R"t(""|"b")t"},
+      {R"t(\(a\_\^b\))t",
+       {KxRowBoxBegin, KxString, KxSubscriptBox, KxString, KxSuperscriptBox, KxString, KxRowBoxEnd},
+       R"t("a"|""|"b")t"},
+      // "\*" takes one element: brackets, quotes and groups keep it together.
+      {R"t(\(\*F[\(x\), "a b"]\^2\))t",
+       {KxRowBoxBegin, KxInterpretBox, KxString, KxSuperscriptBox, KxString, KxRowBoxEnd},
+       R"t("F[\(x\), "a b"]"|"2")t"},
+      {R"t(\(\*G[\"]\"] y\))t", {KxRowBoxBegin, KxInterpretBox, KxString, KxString, KxRowBoxEnd},
+       R"t("G[\"]\"]"|"y")t"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(LexerTest, EveryTruncationEndsCleanly) {
+  // Cut anywhere, each construct yields its tokens and then the end, or
+  // KxUnknown after a refusal; nothing leaks and nothing is read past the end.
+  const char* texts[] = {
+      R"t("a\[Alpha]\.41\:0041\(x\^2\)b")t", "(* a (* b *) *)x", "16^^ff.8`20*^-3",
+      R"t(\(a\^b\%c\*F[\(x\)] "s"\))t", "x__h->#2&%%", R"t(f[{a,b},"\!\(y\)"]//g)t",
+  };
+  for (const char* text : texts) {
+    std::string full = text;
+    for (size_t n = 0; n <= full.size(); ++n) {
+      SCOPED_TRACE(full.substr(0, n));
+      Lexed lexed = Lex(full.substr(0, n));
+      EXPECT_LE(lexed.codes.size(), full.size());
+    }
+  }
+}

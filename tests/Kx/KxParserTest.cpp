@@ -1,0 +1,371 @@
+//===- KxParserTest.cpp - Grammar, precedence, box notation, errors, limits ===//
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <vector>
+#include "Kx/KxExprBuilders.h"
+#include "Kx/KxExprParser.h"
+#include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/IO/ZnFileStream.h"
+#include "Zn/IO/ZnReader.h"
+
+using namespace Zn;
+using namespace Zn::Kx;
+
+namespace {
+using KxTest::FullForm;
+
+class ExprParserTest : public ZnTest::LeakCheckedTest {
+protected:
+  void SetUp() override {
+    LeakCheckedTest::SetUp();
+    unsetenv("ZNLOGFILE");
+  }
+};
+
+struct Report {
+  uint32_t level;
+  std::string message;
+  std::string where; // "line:column-line:column in source", 1-based like the log
+};
+std::vector<Report> sReports;
+int Record(uint32_t theLevel, const String* theSource, const SourceRange* theRange, const String* theMessage) {
+  std::ostringstream where;
+  where << theRange->startLine + 1 << ":" << theRange->startColumn + 1 << "-" << theRange->endLine + 1 << ":"
+        << theRange->endColumn + 1 << " in " << ZnTest::Utf8(theSource);
+  sReports.push_back({theLevel, ZnTest::Utf8(theMessage), where.str()});
+  return 0;
+}
+
+/// +1. The parse of theText, reports going to sReports.
+Expr* ParseText(const std::string& theText) {
+  sReports.clear();
+  auto reader = adopt<Reader>(new StringReader(adopt(new String(theText.c_str())).get()));
+  auto parser = adopt(new ExprParser(reader.get()));
+  parser->setErrorHandler(Record);
+  return parser->parse();
+}
+
+/// The full form of the parse, or "(null)".
+std::string Parse(const std::string& theText) {
+  auto e = adopt(ParseText(theText));
+  return e ? FullForm(e.get()) : "(null)";
+}
+
+std::string Repeat(const std::string& thePiece, int theCount) {
+  std::string result;
+  result.reserve(thePiece.size() * size_t(theCount));
+  for (int i = 0; i < theCount; ++i)
+    result += thePiece;
+  return result;
+}
+
+struct Case {
+  const char* text;
+  const char* fullForm;
+};
+
+void Check(const Case* theCases, size_t theCount) {
+  for (size_t i = 0; i < theCount; ++i) {
+    SCOPED_TRACE(theCases[i].text);
+    EXPECT_EQ(Parse(theCases[i].text), theCases[i].fullForm);
+  }
+}
+} // namespace
+
+TEST_F(ExprParserTest, EachBinaryLevelBindsTighterThanTheOneBefore) {
+  const Case cases[] = {
+      {"a = b // f", "Set[a, f[b]]"},
+      {"a // f -= b", "SubtractFrom[f, b][a]"},
+      {"a -= b /. c", "SubtractFrom[a, ReplaceAll[b, c]]"},
+      {"a /. b -> c", "ReplaceAll[a, Rule[b, c]]"},
+      {"a -> b /; c", "Rule[a, Condition[b, c]]"},
+      {"a /; b ** c", "Condition[a, NonCommutativeMultiply[b, c]]"},
+      {"a ** b : c", "NonCommutativeMultiply[a, Pattern[b, c]]"},
+      {"a : b | c", "Pattern[a, Alternatives[b, c]]"},
+      {"a | b || c", "Alternatives[a, Or[b, c]]"},
+      {"a || b && c", "Or[a, And[b, c]]"},
+      {"a && b === c", "And[a, SameQ[b, c]]"},
+      {"a =!= b != c", "UnsameQ[a, Unequal[b, c]]"},
+      {"a <= b + c", "LessEqual[a, Plus[b, c]]"},
+      {"a - b / c", "Subtract[a, Divide[b, c]]"},
+      {"a b . c", "Times[a, Dot[b, c]]"},
+      {"a . b ^ c", "Dot[a, Power[b, c]]"},
+      {"a ^ b <> c", "Power[a, StringJoin[b, c]]"},
+      {"a <> b /@ c", "StringJoin[a, Map[b, c]]"},
+      {"a //@ b @@@ c", "MapAll[a, Apply[b, c, List[1]]]"},
+      {"a @@ b @ c", "Apply[a, b[c]]"},
+      {"a @ b ? c", "a[PatternTest[b, c]]"},
+      // Box operators: FormBox loosest, then fraction, superscript, subscript, over/under.
+      {R"t(\(a\`b\/c\))t", R"t(RowBox[List[FormBox[FractionBox["b", "c"], "a"]]])t"},
+      {R"t(\(a\/b\^c\))t", R"t(RowBox[List[FractionBox["a", SuperscriptBox["b", "c"]]]])t"},
+      {R"t(\(a\^b\_c\))t", R"t(RowBox[List[SuperscriptBox["a", SubscriptBox["b", "c"]]]])t"},
+      {R"t(\(a\_b\&c\))t", R"t(RowBox[List[SubscriptBox["a", OverscriptBox["b", "c"]]]])t"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(ExprParserTest, OperatorsGroupAsDeclared) {
+  const Case cases[] = {
+      // Right.
+      {"a = b := c", "Set[a, SetDelayed[b, c]]"},
+      {"a -> b :> c", "Rule[a, RuleDelayed[b, c]]"},
+      {"a ^ b ^ c", "Power[a, Power[b, c]]"},
+      {"a @ b @ c", "a[b[c]]"},
+      {"a : b : c", "Pattern[a, Pattern[b, c]]"},
+      {"a += b *= c", "AddTo[a, TimesBy[b, c]]"},
+      {R"t(\(a\^b\^c\))t", R"t(RowBox[List[SuperscriptBox["a", SuperscriptBox["b", "c"]]]])t"},
+      // Left, and n-ary operators flat.
+      {"a // f // g", "g[f[a]]"},
+      {"a /. b //. c", "ReplaceRepeated[ReplaceAll[a, b], c]"},
+      {"a - b - c", "Subtract[Subtract[a, b], c]"},
+      {"a + (b + c) + d", "Plus[a, b, c, d]"},
+      {"a * b c", "Times[a, b, c]"},
+      {"a | b | c", "Alternatives[a, b, c]"},
+      {"a < b < c", "Less[a, b, c]"},
+      {R"t(\(a\/b\/c\))t", R"t(RowBox[List[FractionBox[FractionBox["a", "b"], "c"]]])t"},
+      // Non-associative.
+      {"a ? b ? c", "(null)"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(ExprParserTest, PrefixAndPostfixOperatorsSitWhereRequired) {
+  const Case cases[] = {
+      {"-a ^ b", "Minus[Power[a, b]]"},
+      {"-a . b", "Minus[Dot[a, b]]"},
+      {"-a * b", "Times[Minus[a], b]"},
+      {"-a b", "Times[Minus[a], b]"},
+      {"a ^ b !", "Power[a, Factorial[b]]"},
+      {"a @ b !!", "Factorial2[a[b]]"},
+      {"a @ b '", "Derivative[1][a[b]]"},
+      {"f'[x]", "Derivative[1][f][x]"},
+      {"++a ^ b", "Power[PreIncrement[a], b]"},
+      {"--a @ b", "PreDecrement[a][b]"},
+      {"a ^ b ++", "Power[a, Increment[b]]"},
+      {"a = b &", "Set[a, Function[b]]"},
+      {"a + b &", "Function[Plus[a, b]]"},
+      {"a -> b &", "Function[Rule[a, b]]"},
+      {"a // f &", "Function[f][a]"},
+      {"a = b; c", "CompoundExpression[Set[a, b], c]"},
+      {"a = b >>", "Put[Set[a, b]]"},
+      {"a; b >>> file", "CompoundExpression[a, PutAppend[b]]"},
+      {"<< a + b", "Plus[Get[a], b]"},
+      {"a | b ..", "Alternatives[a, Repeated[b]]"},
+      {"a -> b ...", "Rule[a, RepeatedNull[b]]"},
+      {R"t(\(\@a\^b\))t", R"t(RowBox[List[SqrtBox[SuperscriptBox["a", "b"]]]])t"},
+      {R"t(\(\@a\/b\))t", R"t(RowBox[List[FractionBox[SqrtBox["a"], "b"]]])t"},
+      // After a ready-made expression a sign is unary: juxtaposition follows.
+      {"#1 - 1", "Times[Slot[1], -1]"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(ExprParserTest, SequencesCompoundsPatternsAndTags) {
+  const Case cases[] = {
+      {"", "Null"},
+      {"  (* nothing *)  ", "Null"},
+      {"a;", "CompoundExpression[a, Null]"},
+      {"a;b;", "CompoundExpression[a, b, Null]"},
+      {"(a;b);c", "CompoundExpression[CompoundExpression[a, b], c]"},
+      {"f[a,]", "f[a, Null]"},
+      {"f[,]", "f[Null]"},
+      {"f[]", "f[]"},
+      {"f[a][b, c]", "f[a][b, c]"},
+      {"{}", "List[]"},
+      {"a[[1,2]]", "Part[a, 1, 2]"},
+      {"a[[1]][[2]]", "Part[Part[a, 1], 2]"},
+      {"x:1", "Pattern[x, 1]"},
+      {"x:_:1", "Optional[Pattern[x, Blank[]], 1]"},
+      {"x_h:1", "Optional[Pattern[x, Blank[h]], 1]"},
+      {"f /: g[x_] = v", "TagSet[f, g[Pattern[x, Blank[]]], v]"},
+      {"f /: g := a; b", "CompoundExpression[TagSetDelayed[f, g, a], b]"},
+      {"f /: g =.", "TagUnset[f, g]"},
+      {"x =.", "Unset[x]"},
+      {"f@@@x", "Apply[f, x, List[1]]"},
+      {"2 x", "Times[2, x]"},
+      {"-3", "-3"},
+      {"-x", "Minus[x]"},
+      {"- 1.5", "-1.500000"},
+      {"+x", "x"},
+      {"<|a -> 1, b :> 2|>", "Association[Rule[a, 1], RuleDelayed[b, 2]]"},
+  };
+  Check(cases, std::size(cases));
+  // A negative literal is a machine integer, not Minus applied to one.
+  auto product = adopt(ParseText("-3 a"));
+  ASSERT_TRUE(product);
+  EXPECT_EQ(FullForm(product.get()), "Times[-3, a]");
+  EXPECT_STREQ(product->part(1)->className(), "MachineInteger");
+}
+
+TEST_F(ExprParserTest, BoxNotationBuildsRowsAndBoxes) {
+  const Case cases[] = {
+      {R"t(\(a\^b\))t", R"t(RowBox[List[SuperscriptBox["a", "b"]]])t"},
+      {R"t(\(\))t", R"t(RowBox[List[""]])t"},
+      {R"t(\(a\^\))t", R"t(RowBox[List[SuperscriptBox["a", ""]]])t"},
+      {R"t(\(a + b\))t", R"t(RowBox[List["a", "+", "b"]])t"},
+      {R"t(\(a\`b\))t", R"t(RowBox[List[FormBox["b", "a"]]])t"},
+      {R"t(\(x \(a\/b\) y\))t", R"t(RowBox[List["x", RowBox[List[FractionBox["a", "b"]]], "y"]])t"},
+      {R"t(\!\(a\_b\%c\))t", R"t(RowBox[List[SubsuperscriptBox["a", "b", "c"]]])t"},
+      {R"t(\(a\+b\%c\))t", R"t(RowBox[List[UnderoverscriptBox["a", "b", "c"]]])t"},
+      {R"t(\(\@a\%3\))t", R"t(RowBox[List[RadicalBox["a", "3"]]])t"},
+      {R"t(\(\*Sub[\(x\)]\^2\))t", R"t(RowBox[List[SuperscriptBox[RowBox["Sub[\(x\)]"], "2"]]])t"},
+      {R"t(BoxData[\(x\), "s"])t", R"t(BoxData[RowBox[List["x"]], "s"])t"},
+      // Box groups inside a string are parsed; their text around stays.
+      {R"t(Cell["Let \!\(x\^2\) be"])t", R"t(Cell[RowBox[List["Let ", RowBox[List[SuperscriptBox["x", "2"]]], " be"]]])t"},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST_F(ExprParserTest, SyntaxErrorsAreReportedAtTheOffendingToken) {
+  struct ErrorCase {
+    const char* text;
+    const char* message;
+    const char* where;
+  } cases[] = {
+      {"a ]", "syntax error, unexpected ']'", "1:3-1:4 in (Memory Buffer)"},
+      {"f[x,\n  y]]", "syntax error, unexpected ']'", "2:6-2:7 in (Memory Buffer)"},
+      {"f[x", "syntax error, unexpected end of file", "1:4-1:4 in (Memory Buffer)"},
+      {"{\"abc", "unterminated string", "1:2-1:6 in (Memory Buffer)"},
+      {"x (* y", "unterminated comment", "1:3-1:7 in (Memory Buffer)"},
+  };
+  for (const ErrorCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(Parse(c.text), "(null)");
+    ASSERT_EQ(sReports.size(), 1u);
+    EXPECT_EQ(sReports[0].level, kLogLevelError);
+    EXPECT_EQ(sReports[0].message.substr(0, strlen(c.message)), c.message);
+    EXPECT_EQ(sReports[0].where, c.where);
+  }
+}
+
+TEST_F(ExprParserTest, DefaultHandlerLogsTheErrorWithItsPosition) {
+  auto reader = adopt<Reader>(new StringReader(adopt(new String("{a,\n b c]")).get()));
+  auto parser = adopt(new ExprParser(reader.get()));
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(parser->parse(), nullptr);
+  std::string logged = testing::internal::GetCapturedStderr();
+  EXPECT_NE(logged.find(": syntax error, unexpected ']'"), std::string::npos) << logged;
+  EXPECT_NE(logged.find(" from 2:6-2:7 in (Memory Buffer)\n"), std::string::npos) << logged;
+}
+
+TEST_F(ExprParserTest, FailedBoxGroupInAStringIsAWarningAndStaysText) {
+  auto e = adopt(ParseText("f[\"ok \\(\\%\\) end\"]"));
+  ASSERT_TRUE(e);
+  EXPECT_EQ(FullForm(e.get()), R"t(f["ok \(\%\) end"])t");
+  ASSERT_EQ(sReports.size(), 2u);
+  // The inner report is relative to the group's own text...
+  EXPECT_EQ(sReports[0].level, kLogLevelNestedParseError);
+  EXPECT_EQ(sReports[0].message, R"t(syntax error, unexpected \% (\(\%\)))t");
+  EXPECT_EQ(sReports[0].where, "1:3-1:5 in (Memory Buffer)");
+  // ...the summary gives where the group lies in the input.
+  EXPECT_EQ(sReports[1].level, kLogLevelNestedParseError);
+  EXPECT_EQ(sReports[1].message, R"t(linear syntax parse error (\(\%\)))t");
+  EXPECT_EQ(sReports[1].where, "1:7-1:13 in (Memory Buffer)");
+}
+
+TEST_F(ExprParserTest, SubExpressionWithoutSourceTextGivesSyntaxErrorSymbol) {
+  auto reader = adopt<Reader>(new StringReader(adopt(new String("")).get()));
+  auto parser = adopt(new ExprParser(reader.get()));
+  parser->setErrorHandler(Record);
+  sReports.clear();
+  SourceRange range;
+  ParseValue value;
+  EXPECT_FALSE(parser->parseSubExpression(adopt(new String("\\(a\\")).get(), range, false, &value));
+  EXPECT_EQ(FullForm(value.expr), "$SyntaxError");
+  value.expr->release();
+  ASSERT_FALSE(sReports.empty());
+  EXPECT_EQ(sReports.back().message, "parse error (\\(a\\)");
+  EXPECT_TRUE(parser->parseSubExpression(adopt(new String("\\(a\\)")).get(), range, false, &value));
+  EXPECT_EQ(FullForm(value.expr), "RowBox[List[\"a\"]]");
+  value.expr->release();
+  EXPECT_FALSE(parser->isInSubParse());
+}
+
+TEST_F(ExprParserTest, NestingUpToTheLimitParsesAndDeeperIsRefused) {
+  // Linear brackets outside, box groups inside (within a group brackets are text).
+  auto nest = [](int theLinear, const char* theOpen, const char* theClose, int theGroups) {
+    return Repeat(theOpen, theLinear) + Repeat("\\(", theGroups) + "x" + Repeat("\\)", theGroups) +
+           Repeat(theClose, theLinear);
+  };
+  const int limit = kMaxNestingDepth;
+  struct Nest {
+    std::string atLimit, beyond, far;
+  } nests[] = {
+      {nest(limit, "f[", "]", 0), nest(limit + 1, "f[", "]", 0), nest(100000, "f[", "]", 0)},
+      {nest(limit, "{", "}", 0), nest(limit + 1, "{", "}", 0), nest(100000, "{", "}", 0)},
+      {nest(limit, "(", ")", 0), nest(limit + 1, "(", ")", 0), nest(100000, "(", ")", 0)},
+      {nest(0, "", "", limit), nest(0, "", "", limit + 1), nest(0, "", "", 100000)},
+      {nest(limit / 4, "f[{(", ")}]", limit / 4), nest(limit / 4, "f[{(", ")}]", limit / 4 + 1),
+       nest(25000, "f[{(", ")}]", 25000)},
+  };
+  for (const Nest& n : nests) {
+    SCOPED_TRACE(n.atLimit.substr(0, 8));
+    EXPECT_TRUE(adopt(ParseText(n.atLimit)));
+    EXPECT_TRUE(sReports.empty());
+    for (const std::string* text : {&n.beyond, &n.far}) {
+      EXPECT_FALSE(adopt(ParseText(*text)));
+      ASSERT_EQ(sReports.size(), 1u);
+      EXPECT_EQ(sReports[0].message, "expression nested too deeply");
+    }
+  }
+  // Inside a string the deep group only fails as a group: the string stays text.
+  auto text = adopt(ParseText("\"" + Repeat("\\(", 100000) + Repeat("\\)", 100000) + "\""));
+  ASSERT_TRUE(text);
+  EXPECT_STREQ(text->className(), "CharacterString");
+}
+
+TEST_F(ExprParserTest, OperatorChainsThatWouldBuildTooDeepATreeAreRefused) {
+  const std::string chains[] = {
+      Repeat("a^", 30000) + "a",       // right: pending on the parse stack
+      Repeat("a=", 100000) + "a",      // right, beyond the parse stack
+      Repeat("a-", 30000) + "a",       // left: one level per operator
+      "a" + Repeat("!", 50000),        // postfix
+      Repeat("- ", 30000) + "a",       // prefix
+  };
+  for (const std::string& chain : chains) {
+    SCOPED_TRACE(chain.substr(0, 4));
+    EXPECT_FALSE(adopt(ParseText(chain)));
+    EXPECT_EQ(sReports.size(), 1u);
+  }
+  auto sum = adopt(ParseText(Repeat("a+", 100000) + "a")); // flat: one level
+  ASSERT_TRUE(sum);
+  EXPECT_EQ(sum->length(), 100001);
+  auto list = adopt(ParseText("{" + Repeat("1.5,", 100000) + "2}"));
+  ASSERT_TRUE(list);
+  EXPECT_EQ(list->length(), 100001);
+}
+
+TEST_F(ExprParserTest, EveryNotebookOfTheCorpusParses) {
+  std::ifstream manifest(std::string(NBTEXT_CORPUS_DIR) + "/MANIFEST.tsv");
+  if (!manifest)
+    GTEST_SKIP() << "no corpus at " << NBTEXT_CORPUS_DIR;
+  auto encoding = adopt(StringEncodingWithID(kStringEncodingUTF8));
+  std::string line;
+  std::getline(manifest, line); // the column names
+  int parsed = 0;
+  while (std::getline(manifest, line)) {
+    std::istringstream fields(line);
+    std::string file, bytes, era;
+    std::getline(fields, file, '\t');
+    std::getline(fields, bytes, '\t');
+    std::getline(fields, era, '\t');
+    if (era == "ancient") // plain-text files from before notebooks were expressions
+      continue;
+    SCOPED_TRACE(file);
+    auto stream = adopt(FilePointerStream::createForReading((std::string(NBTEXT_CORPUS_DIR) + "/" + file).c_str()));
+    ASSERT_TRUE(stream);
+    auto reader = adopt<Reader>(new StreamReader(stream.get(), encoding.get()));
+    auto parser = adopt(new ExprParser(reader.get()));
+    parser->setErrorHandler(Record);
+    sReports.clear();
+    auto notebook = adopt(parser->parse());
+    ASSERT_TRUE(notebook);
+    EXPECT_EQ(FullForm(notebook->head()), "Notebook");
+    for (const Report& r : sReports) // failed box groups in strings are only warnings
+      EXPECT_EQ(r.level, kLogLevelNestedParseError) << r.message << " at " << r.where;
+    ++parsed;
+  }
+  EXPECT_GT(parsed, 0);
+}
