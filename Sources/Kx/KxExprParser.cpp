@@ -151,9 +151,10 @@ void ExprParser::discard(ParseValue theValue) {
 ParseValue ExprParser::checked(Expr* theNode, int32_t theDepth) {
   if (theDepth <= kMaxExpressionDepth)
     return {theNode, theDepth};
-  theNode->release();
+  // The node stays on the stack (actions that follow still find the list
+  // they expect) but the parse ends at the next token and keeps nothing.
   refuse("expression nested too deeply");
-  return makeNull();
+  return {theNode, kMaxExpressionDepth};
 }
 
 ParseValue ExprParser::makeNull() { return {retained<Expr>(HeadSymbol(Head::Null)).leak(), 0}; }

@@ -111,7 +111,7 @@ private:
   /// Runs the generated parser with theLexer; the result is left in result_.
   int run(Lexer* theLexer);
   /// The value of a new node theNode of height theDepth; a node deeper than
-  /// kMaxExpressionDepth is dropped and refuses the input.
+  /// kMaxExpressionDepth refuses the input.
   ParseValue checked(Expr* theNode, int32_t theDepth);
 
   AtomTable atoms_;

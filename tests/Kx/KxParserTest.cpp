@@ -323,6 +323,10 @@ TEST_F(ExprParserTest, OperatorChainsThatWouldBuildTooDeepATreeAreRefused) {
       Repeat("a-", 30000) + "a",       // left: one level per operator
       "a" + Repeat("!", 50000),        // postfix
       Repeat("- ", 30000) + "a",       // prefix
+      // A list whose element is just within the limit: refused while the list is built.
+      "f[a" + Repeat(" !", kMaxExpressionDepth) + ", b]",
+      "{a" + Repeat(" !", kMaxExpressionDepth) + "}",
+      "a" + Repeat(" !", kMaxExpressionDepth) + "; b",
   };
   for (const std::string& chain : chains) {
     SCOPED_TRACE(chain.substr(0, 4));
