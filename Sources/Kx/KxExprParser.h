@@ -23,6 +23,18 @@ constexpr int32_t kMaxExpressionDepth = 2 * kMaxNestingDepth + 64;
 /// Usage: `auto parser = adopt(new ExprParser(reader)); auto e = adopt(parser->parse());`
 /// A null result means the input was refused; the reason has been reported
 /// through handleError (by default one log line with the position).
+///
+/// What the tree holds beyond the operators' heads:
+/// - a "\(...\)" group becomes RowBox[List[elements]], with the box
+///   operators building the script, fraction, radical and form boxes; its
+///   elements are strings (runs of text; a quoted string inside keeps its
+///   quotes and its own "\!\(...\)" text unparsed);
+/// - a string literal in the linear syntax that holds box groups becomes
+///   RowBox[List[text, box, text, ...]], or the box alone when the string is
+///   nothing but the group; a group that does not parse stays text (and is
+///   reported as a warning, kLogLevelNestedParseError);
+/// - "<| ... |>" reads as Association[...]; the file name after ">>" and
+///   ">>>" is not kept.
 class ExprParser : public Parser {
 public:
   /// Retains theReader.
