@@ -1,0 +1,79 @@
+//===- NotebookTextIndexer.cpp - Renders a notebook as plain text ---------===//
+#include "NotebookTextIndexer.h"
+#include "Zn/Base/ZnAssert.h"
+#include "Zn/Base/ZnException.h"
+#include "Zn/Base/ZnString.h"
+#include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/Collection/ZnArray.h"
+#include "Zn/IO/ZnStream.h"
+#include "Zn/IO/ZnWriter.h"
+#include "Zn/Util/ZnUtil.h"
+
+using Zn::adopt;
+
+NotebookTextIndexer::NotebookTextIndexer(Zn::Stream* theStream) {
+  ZnAssert(theStream, 0);
+  auto encoding = adopt(Zn::StringEncodingWithID(Zn::kStringEncodingUTF8));
+  writer_ = adopt(new Zn::StreamWriter(theStream, encoding.get()));
+}
+
+const char* NotebookTextIndexer::className() const { return "NotebookTextIndexer"; }
+const char* NotebookTextIndexer::superclassName() const { return "SearchIndexer"; }
+
+void NotebookTextIndexer::writeText(Zn::String* theText) { writer_->putString(theText); }
+
+void NotebookTextIndexer::writeCheckbox(int32_t theState, const IndexContext& theContext) {
+  theContext.writer->putBytes(theState == 0 ? " [ ] " : theState == 1 ? " [X] " : " [-] ");
+}
+
+void NotebookTextIndexer::writeRadioButton(int32_t theState, const IndexContext& theContext) {
+  theContext.writer->putBytes(theState == 0 ? " ( ) " : theState == 1 ? " (*) " : " (-) ");
+}
+
+void NotebookTextIndexer::writeInputField(Zn::String* theValue, const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writer->putBytes("|__");
+  if (theValue->length() == 0)
+    writer->putBytes("____");
+  else
+    writer->putString(theValue);
+  writer->putBytes("__|");
+}
+
+void NotebookTextIndexer::writeMenuItems(Zn::Array* theItems, int32_t theSelected, bool theMarked,
+                                         const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writer->increaseIndent();
+  for (ZnIndex i = 0; i < theItems->getCount(); ++i) {
+    writer->putNewlines(1);
+    if (theMarked)
+      writer->putBytes(i == theSelected ? "* " : "  ");
+    writer->putString(static_cast<Zn::String*>(theItems->objectAtIndex(i)));
+  }
+  writer->decreaseIndent();
+  writer->putNewlines(1);
+}
+
+void NotebookTextIndexer::writePopupMenu(Zn::Array* theItems, int32_t theSelected, const IndexContext& theContext) {
+  writeMenuItems(theItems, theSelected, true, theContext);
+}
+
+void NotebookTextIndexer::writeActionMenu(Zn::String* theLabel, Zn::Array* theItems,
+                                          const IndexContext& theContext) {
+  if (theLabel)
+    theContext.writer->putString(theLabel);
+  writeMenuItems(theItems, -1, false, theContext);
+}
+
+bool convertStream(SearchIndexer* theIndexer, Zn::Stream* theStream) {
+  try {
+    if (theIndexer->indexStream(theStream))
+      return true;
+    // A refusal takes the same way out as a failure.
+    throw new Zn::Exception(__FILE__, __LINE__, "%s", "");
+  } catch (Zn::Exception* theException) {
+    auto exception = adopt(theException);
+    Zn::Log(Zn::kLogLevelError, "could not index file %@", theStream->getName());
+    return false;
+  }
+}

@@ -1,0 +1,36 @@
+//===- NotebookTextIndexer.h - Renders a notebook as plain text -----------===//
+#pragma once
+#include "SearchIndexer.h"
+
+/// The default renderer: what a reader sees on the page, as UTF-8 text.
+/// Controls come out as bracketed marks: " [X] " for a checked box,
+/// " (*) " for a chosen radio button, "|__value__|" for an input field, and
+/// menus as one indented line per item.
+class NotebookTextIndexer : public SearchIndexer {
+public:
+  /// Writes to theStream, which must be writable.
+  explicit NotebookTextIndexer(Zn::Stream* theStream);
+
+  void writeText(Zn::String* theText) override;
+  void writeActionMenu(Zn::String* theLabel, Zn::Array* theItems, const IndexContext& theContext) override;
+  void writeCheckbox(int32_t theState, const IndexContext& theContext) override;
+  void writeInputField(Zn::String* theValue, const IndexContext& theContext) override;
+  void writePopupMenu(Zn::Array* theItems, int32_t theSelected, const IndexContext& theContext) override;
+  void writeRadioButton(int32_t theState, const IndexContext& theContext) override;
+
+  const char* className() const override;
+  const char* superclassName() const override;
+
+protected:
+  ~NotebookTextIndexer() override = default;
+
+private:
+  /// One line per item, one level deeper; with theMarked the chosen item
+  /// gets "* " and the others two blanks.
+  void writeMenuItems(Zn::Array* theItems, int32_t theSelected, bool theMarked, const IndexContext& theContext);
+};
+
+/// Runs the renderer over one stream. A stream that cannot be indexed,
+/// refused or failing with an exception, is logged as "could not index
+/// file <name>" and gives false.
+bool convertStream(SearchIndexer* theIndexer, Zn::Stream* theStream);

@@ -1,0 +1,1390 @@
+//===- SearchIndexer.cpp - Walks a parsed notebook for a renderer ---------===//
+#include "SearchIndexer.h"
+#include "IndexerVocabulary.h"
+#include "Kx/KxEncoding.h"
+#include "Kx/KxExprParser.h"
+#include "Kx/KxFunction.h"
+#include "Kx/KxNumber.h"
+#include "Kx/KxString.h"
+#include "Kx/KxSymbol.h"
+#include "Zn/Base/ZnAssert.h"
+#include "Zn/Base/ZnString.h"
+#include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/Collection/ZnArray.h"
+#include "Zn/Collection/ZnDictionary.h"
+#include "Zn/IO/ZnReader.h"
+#include "Zn/IO/ZnStream.h"
+#include "Zn/IO/ZnWriter.h"
+
+using Zn::adopt;
+using Zn::retained;
+using Zn::Kx::CharacterString;
+using Zn::Kx::Expr;
+using Zn::Kx::Head;
+using Zn::Kx::HeadSymbol;
+
+namespace {
+
+//===--- Expression helpers -----------------------------------------------===//
+
+bool isHead(const Expr* theExpr, Head theHead) {
+  return theExpr && !theExpr->isAtom() && theExpr->head()->isEqual(HeadSymbol(theHead));
+}
+
+bool isList(const Expr* theExpr) { return isHead(theExpr, Head::List); }
+
+/// Rule[a, b] or RuleDelayed[a, b] with exactly two parts.
+bool isRule(const Expr* theExpr) {
+  return (isHead(theExpr, Head::Rule) || isHead(theExpr, Head::RuleDelayed)) && theExpr->length() == 2;
+}
+
+/// The text of a string atom, or null for anything else. Borrowed.
+Zn::String* stringText(const Expr* theExpr) {
+  auto string = dynamic_cast<const CharacterString*>(theExpr);
+  return string ? string->getValue() : nullptr;
+}
+
+/// A string atom of one character that is one of theCharacters.
+bool isOneCharacterOf(const Expr* theExpr, const char* theCharacters) {
+  Zn::String* text = stringText(theExpr);
+  if (!text || text->length() != 1)
+    return false;
+  for (const char* c = theCharacters; *c; ++c)
+    if (text->characterAtIndex(0) == ZnUnichar(*c))
+      return true;
+  return false;
+}
+
+bool hasText(const Zn::String* theText, const char* theASCII) {
+  return theText && theText->compareToCString(theASCII, true) == 0;
+}
+
+/// The value of the option theName among the arguments from theFirst on:
+/// the right side of the first Rule or RuleDelayed whose left side is the
+/// symbol. Borrowed; null when absent.
+Expr* optionValue(Expr* theBox, ZnIndex theFirst, Vocabulary::Constant& theName) {
+  for (ZnIndex i = theFirst; i <= theBox->length(); ++i) {
+    Expr* option = theBox->part(i);
+    if (isRule(option) && theName.matches(option->part(1)))
+      return option->part(2);
+  }
+  return nullptr;
+}
+
+/// The graphics options say None for a label that is not there.
+const Vocabulary::Word sNone("None");
+
+int hexValue(ZnUnichar theCharacter) {
+  if (theCharacter >= '0' && theCharacter <= '9')
+    return theCharacter - '0';
+  if (theCharacter >= 'a' && theCharacter <= 'f')
+    return theCharacter - 'a' + 10;
+  if (theCharacter >= 'A' && theCharacter <= 'F')
+    return theCharacter - 'A' + 10;
+  return -1;
+}
+
+/// The value of theDigits hexadecimal digits at theText, or -1.
+int32_t hexNumber(const ZnUnichar* theText, ZnIndex theDigits) {
+  int32_t value = 0;
+  for (ZnIndex i = 0; i < theDigits; ++i) {
+    int digit = hexValue(theText[i]);
+    if (digit < 0)
+      return -1;
+    value = value * 16 + digit;
+  }
+  return value;
+}
+
+/// Whether a box group ("\\(" or "\\!\\(") opens at theIndex, a backslash.
+bool opensBoxGroup(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex) {
+  if (theIndex + 1 < theLength && theText[theIndex + 1] == '(')
+    return true;
+  return theIndex + 3 < theLength && theText[theIndex + 1] == '!' && theText[theIndex + 2] == '\\' &&
+         theText[theIndex + 3] == '(';
+}
+
+/// Where the box group that opens at theStart ends: the index just after
+/// its closing "\\)", or -1 when it never closes.
+ZnIndex boxGroupEnd(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theStart) {
+  ZnIndex i = theStart + (theText[theStart + 1] == '!' ? 4 : 2);
+  int32_t depth = 1;
+  while (i + 1 < theLength) {
+    if (theText[i] != '\\') {
+      ++i;
+      continue;
+    }
+    if (theText[i + 1] == '(')
+      ++depth;
+    else if (theText[i + 1] == ')' && --depth == 0)
+      return i + 2;
+    i += 2;
+  }
+  return -1;
+}
+
+/// Whether the text between the first and the last character holds no
+/// double quote that a backslash does not escape: "a" is one string literal,
+/// "a" <> "b" is not.
+bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength) {
+  if (theLength < 2 || theText[0] != '"' || theText[theLength - 1] != '"')
+    return false;
+  for (ZnIndex i = 1; i < theLength - 1; ++i) {
+    if (theText[i] == '\\')
+      ++i;
+    else if (theText[i] == '"')
+      return false;
+  }
+  return true;
+}
+
+//===--- Hooks that need not be called ------------------------------------===//
+
+// Several hooks do nothing by default, and building their arguments costs a
+// rendering pass. The walk asks whether the renderer's class put another
+// function in the hook's slot. g++ can turn a pointer to a virtual member
+// bound to an object into the address of the function that the object's
+// class uses; the addresses of the defaults come from a plain SearchIndexer
+// made once before main.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpmf-conversions"
+} // namespace
+
+enum SearchIndexer::Hook : int32_t {
+  kSetTitle,
+  kNoteCellText,
+  kSetNotebookKind,
+  kSetEvaluator,
+  kNoteCellOption,
+  kSetStyleDefinitions,
+  kSetFrontEndVersion,
+  kSetWindowFrame,
+  kSetWindowSize,
+  kWriteActionMenu,
+  kWriteInputField,
+  kWritePopupMenu,
+  kHookCount
+};
+
+namespace {
+const void* hookAddress(const SearchIndexer* theIndexer, int32_t theHook) {
+  auto self = const_cast<SearchIndexer*>(theIndexer);
+  switch (theHook) {
+  case 0: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setTitle));
+  case 1: return reinterpret_cast<const void*>(self->*(&SearchIndexer::noteCellText));
+  case 2: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setNotebookKind));
+  case 3: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setEvaluator));
+  case 4: return reinterpret_cast<const void*>(self->*(&SearchIndexer::noteCellOption));
+  case 5: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setStyleDefinitions));
+  case 6: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setFrontEndVersion));
+  case 7: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setWindowFrame));
+  case 8: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setWindowSize));
+  case 9: return reinterpret_cast<const void*>(self->*(&SearchIndexer::writeActionMenu));
+  case 10: return reinterpret_cast<const void*>(self->*(&SearchIndexer::writeInputField));
+  case 11: return reinterpret_cast<const void*>(self->*(&SearchIndexer::writePopupMenu));
+  default: return nullptr;
+  }
+}
+#pragma GCC diagnostic pop
+
+struct DefaultHooks {
+  const void* addresses[12];
+  DefaultHooks() {
+    auto probe = adopt(new SearchIndexer());
+    for (int32_t i = 0; i < 12; ++i)
+      addresses[i] = hookAddress(probe.get(), i);
+  }
+};
+const DefaultHooks sDefaultHooks;
+} // namespace
+
+bool SearchIndexer::overrides(Hook theHook) const {
+  static_assert(kHookCount == 12, "one default address per hook");
+  return hookAddress(this, theHook) != sDefaultHooks.addresses[theHook];
+}
+
+//===--- Scratch text -----------------------------------------------------===//
+
+/// Lends one of the indexer's reusable strings, emptied, for one scope.
+class SearchIndexer::Scratch {
+public:
+  explicit Scratch(SearchIndexer* theIndexer) : indexer_(theIndexer) {
+    if (theIndexer->scratchCount_ == 0) {
+      string_ = new Zn::MutableString(64);
+      return;
+    }
+    string_ = theIndexer->scratchPool_[--theIndexer->scratchCount_];
+    string_->setLength(0);
+  }
+  ~Scratch() {
+    if (indexer_->scratchCount_ < kScratchPoolSize)
+      indexer_->scratchPool_[indexer_->scratchCount_++] = string_;
+    else
+      string_->release();
+  }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+  Zn::MutableString* operator->() const { return string_; }
+  Zn::MutableString* get() const { return string_; }
+
+private:
+  SearchIndexer* indexer_;
+  Zn::MutableString* string_;
+};
+
+//===--- Life cycle -------------------------------------------------------===//
+
+SearchIndexer::SearchIndexer()
+    : characterEncoding_(adopt(new Zn::Kx::Encoding(Zn::Kx::Encoding::kTextFlags))),
+      namedCounters_(adopt(new Zn::MutableDictionary())) {}
+
+SearchIndexer::~SearchIndexer() {
+  for (ZnIndex i = 0; i < scratchCount_; ++i)
+    scratchPool_[i]->release();
+}
+
+const char* SearchIndexer::className() const { return "SearchIndexer"; }
+const char* SearchIndexer::superclassName() const { return "Zn::Object"; }
+
+//===--- Documents --------------------------------------------------------===//
+
+namespace {
+/// Keeps the assertion context for the time of one parse, whatever way the
+/// parse ends.
+class AssertionContextScope {
+public:
+  explicit AssertionContextScope(Zn::String* theContext) { Zn::SetAssertionContext(theContext); }
+  ~AssertionContextScope() { Zn::SetAssertionContext(nullptr); }
+};
+} // namespace
+
+bool SearchIndexer::indexStream(Zn::Stream* theStream) {
+  auto encoding = adopt(Zn::StringEncodingWithID(Zn::kStringEncodingUTF8));
+  auto reader = adopt(new Zn::StreamReader(theStream, encoding.get()));
+  ZnUnichar first = 0;
+  if (!reader->peekCharacter(&first))
+    return false;
+  // HTML, XML and other files that are plainly no notebook are refused
+  // before the parser sees them.
+  if (first == '<' || first == '%')
+    return false;
+
+  Zn::Ref<Expr> notebook;
+  {
+    auto context = adopt(Zn::StringWithFormat("Error while processing file %@:\n\n", theStream->getName()));
+    AssertionContextScope scope(context.get());
+    notebook = adopt(Zn::Kx::ParseExpression(reader.get()));
+  }
+  if (!notebook || !Vocabulary::Notebook.isHeadOf(notebook.get()))
+    return false;
+
+  readNotebookOptions(notebook.get());
+  beginDocument(notebook.get());
+  if (styleDataCount_ != 0 && overrides(kSetNotebookKind))
+    setNotebookKind(Vocabulary::Style.get());
+  if (notebook->length() >= 1) {
+    IndexContext context;
+    context.writer = writer_;
+    indexBox(notebook->part(1), context);
+  }
+  endDocument(notebook.get());
+  return true;
+}
+
+void SearchIndexer::readNotebookOptions(Expr* theNotebook) {
+  using namespace Vocabulary;
+  for (ZnIndex i = 2; i <= theNotebook->length(); ++i) {
+    Expr* option = theNotebook->part(i);
+    if (!isRule(option) || !dynamic_cast<Zn::Kx::Symbol*>(option->part(1)))
+      continue;
+    Expr* name = option->part(1);
+    Expr* value = option->part(2);
+    if (Evaluator.matches(name) && overrides(kSetEvaluator)) {
+      setEvaluator(adopt(value->stringValue()).get());
+    } else if (StyleDefinitions.matches(name) && overrides(kSetStyleDefinitions)) {
+      setStyleDefinitions(value);
+    } else if (FrontEndVersion.matches(name) && overrides(kSetFrontEndVersion)) {
+      setFrontEndVersion(adopt(value->stringValue()).get());
+    } else if (WindowFrame.matches(name) && overrides(kSetWindowFrame)) {
+      setWindowFrame(adopt(value->stringValue()).get());
+    } else if (WindowClickSelect.matches(name) && False.matches(value) && overrides(kSetNotebookKind)) {
+      setNotebookKind(Palette.get());
+    } else if (WindowSize.matches(name) && isList(value) && value->length() == 2 && overrides(kSetWindowSize)) {
+      setWindowSize(value->doubleValueOfPart(1), value->doubleValueOfPart(2));
+    } else if (WindowTitle.matches(name) && overrides(kSetTitle)) {
+      setTitle(adopt(value->stringValue()).get());
+    }
+  }
+}
+
+//===--- The dispatcher ---------------------------------------------------===//
+
+void SearchIndexer::walkArguments(Expr* theBox, ZnIndex theFirst, const IndexContext& theContext) {
+  for (ZnIndex i = theFirst; i <= theBox->length(); ++i)
+    indexBox(theBox->part(i), theContext);
+}
+
+namespace {
+using namespace Vocabulary;
+// The groups of heads that the dispatcher treats alike. Tables rather than
+// lists on the stack keep the dispatcher's frame small: it is entered once
+// per level of the deepest boxes.
+const Word* const kControlsWithoutQuotes[] = {&ActionMenuBox, &CheckboxBox, &InsetBox,  &PopupMenuBox,
+                                              &SetterBox,     &TabViewBox,  &TooltipBox};
+const Word* const kProduceNothing[] = {
+    &ArrowBox,          &Arrow3DBox,   &BezierCurve3DBox, &BezierCurveBox,       &BSplineCurve3DBox,
+    &BSplineCurveBox,   &CircleBox,    &ColorSetterBox,   &CompressedData,       &ConeBox,
+    &CuboidBox,         &CylinderBox,  &DiskBox,          &ErrorBox,             &LineBox,
+    &Line3DBox,         &OpenerBox,    &PointBox,         &Point3DBox,           &PolygonBox,
+    &Polygon3DBox,      &ProgressIndicatorBox, &RasterBox, &RectangleBox,        &Slider2DBox,
+    &SliderBox,         &SphereBox,    &TogglerBox,       &AbsoluteDashing,      &AbsolutePointSize,
+    &AbsoluteThickness, &Arrowheads,   &CMYKColor,        &Dashing,              &Directive,
+    &EdgeForm,          &FaceForm,     &GrayLevel,        &Hue,                  &Opacity,
+    &PointSize,         &RGBColor,     &Thickness,        &TubeBox};
+const Word* const kShowFirstArgument[] = {
+    &AdjustmentBox, &AffineTransformBox, &AnimatorBox, &FormBox, &FrameBox, &GeometricTransformationBox,
+    &GeometricTransformation3DBox, &GridBox, &InsetBox, &InterpretationBox, &ItemBox, &PaneBox,
+    &RotationBox, &TagBox, &TemplateBox, &Text3DBox};
+const Word* const kShowSecondArgument[] = {&GraphicsComplexBox, &GraphicsComplex3DBox, &LocatorBox,
+                                           &LocatorPaneBox};
+
+template <size_t N> bool isAnyOf(const Word* const (&theWords)[N], const Expr* theHead, uint32_t theHash) {
+  for (const Word* word : theWords)
+    if (word->matches(theHead, theHash))
+      return true;
+  return false;
+}
+} // namespace
+
+void SearchIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
+  using namespace Vocabulary;
+  if (theBox->isAtom()) {
+    indexString(theBox, theContext);
+    return;
+  }
+  Expr* head = theBox->head();
+  const uint32_t hash = head->hash();
+  auto is = [head, hash](Constant& theName) { return theName.matches(head, hash); };
+
+  // Only the controls and the text containers change the context, so the
+  // copy is made only for them.
+  const IndexContext* context = &theContext;
+  IndexContext changed;
+  if (isAnyOf(kControlsWithoutQuotes, head, hash)) {
+    changed = theContext;
+    changed.showStringCharacters = false;
+    context = &changed;
+  }
+
+  if (is(Cell))
+    return indexCell(theBox, *context);
+  if (is(Dynamic) || is(DynamicBox))
+    return indexDynamicBox(theBox, *context);
+  if (is(DynamicModuleBox))
+    return indexDynamicModuleBox(theBox, *context);
+  if (is(ActionMenuBox))
+    return indexActionMenuBox(theBox, *context);
+  if (is(ButtonBox))
+    return indexButtonBox(theBox, *context);
+  if (is(CheckboxBox))
+    return indexCheckboxBox(theBox, *context);
+  if (is(InputFieldBox))
+    return indexInputFieldBox(theBox, *context);
+  if (is(PanelBox))
+    return indexPanelBox(theBox, *context);
+  if (is(PaneSelectorBox))
+    return indexPaneSelectorBox(theBox, *context);
+  if (is(PopupMenuBox))
+    return indexPopupMenuBox(theBox, *context);
+  if (is(RadioButtonBox))
+    return indexRadioButtonBox(theBox, *context);
+  if (is(SetterBox))
+    return indexSetterBox(theBox, *context);
+  if (is(TabViewBox))
+    return indexTabViewBox(theBox, *context);
+  if (is(RowBox))
+    return indexRowBox(theBox, *context);
+  if (is(CounterBox))
+    return indexCounterBox(theBox, *context);
+  if (is(FractionBox))
+    return indexFractionBox(theBox, *context);
+  if (is(GridBox))
+    return indexGridBox(theBox, *context);
+  if (is(RadicalBox))
+    return indexRadicalBox(theBox, *context);
+  if (is(SqrtBox))
+    return indexSqrtBox(theBox, *context);
+  if (is(StyleBox))
+    return indexStyleBox(theBox, *context);
+  if (is(SubscriptBox))
+    return indexSubscriptBox(theBox, *context);
+  if (is(SuperscriptBox))
+    return indexSuperscriptBox(theBox, *context);
+  if (is(GraphicsBox) || is(Graphics3DBox)) {
+    indexGraphicsBox(theBox, *context);
+    return countGraphics();
+  }
+  if (is(GraphicsData)) {
+    indexGraphicsData(theBox, *context);
+    return countGraphics();
+  }
+  if (is(BoxData) || is(TextData)) {
+    changed = *context;
+    changed.textMode = false;
+    return walkArguments(theBox, 1, changed);
+  }
+  if (isAnyOf(kProduceNothing, head, hash))
+    return;
+  if (is(CellGroupData) || isAnyOf(kShowFirstArgument, head, hash)) {
+    // A cell group's second argument is its open or closed state; the
+    // wrappers keep their interpretation, tag or options there.
+    if (theBox->length() >= 1)
+      indexBox(theBox->part(1), *context);
+    return;
+  }
+  if (is(StyleData)) {
+    ++styleDataCount_;
+    return;
+  }
+  if (isAnyOf(kShowSecondArgument, head, hash)) {
+    if (theBox->length() >= 2)
+      indexBox(theBox->part(2), *context);
+    return;
+  }
+  walkArguments(theBox, 1, *context);
+}
+
+Zn::String* SearchIndexer::stringForBox(Expr* theBox, const IndexContext& theContext) {
+  auto text = adopt(new Zn::MutableString(32));
+  IndexContext context = theContext;
+  context.writer = adopt(new Zn::StringWriter(text.get()));
+  indexBox(theBox, context);
+  return text.leak();
+}
+
+//===--- Atoms ------------------------------------------------------------===//
+
+void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
+  if (theLeaf->isEqual(HeadSymbol(Head::Null)))
+    return;
+  if (auto symbol = dynamic_cast<Zn::Kx::Symbol*>(theLeaf)) {
+    // The context (up to the last backquote) is no part of what a reader sees.
+    Zn::String* name = symbol->getName();
+    const ZnUnichar* units = name->getCharactersPtr();
+    ZnIndex start = name->length();
+    while (start > 0 && units[start - 1] != '`')
+      --start;
+    writeAtomText(units + start, name->length() - start, theContext);
+    return;
+  }
+  Zn::String* text = stringText(theLeaf);
+  if (!text) {
+    auto value = adopt(theLeaf->stringValue());
+    writeResolvedText(value->getCharactersPtr(), value->length(), theContext);
+    return;
+  }
+  const ZnUnichar* units = text->getCharactersPtr();
+  const ZnIndex length = text->length();
+  if (!theContext.showStringCharacters) {
+    // A string that holds a string literal, written "\"...\"": where string
+    // characters are hidden, its quotes go and its own escapes resolve.
+    Scratch value(this);
+    resolveEscapes(units, length, value.get());
+    if (isOneStringLiteral(value->getCharactersPtr(), value->length())) {
+      writeAtomText(value->getCharactersPtr() + 1, value->length() - 2, theContext);
+      return;
+    }
+  }
+  writeAtomText(units, length, theContext);
+}
+
+void SearchIndexer::writeResolvedText(const ZnUnichar* theCharacters, ZnIndex theLength,
+                                      const IndexContext& theContext) {
+  if (theLength == 0)
+    return;
+  Scratch out(this);
+  characterEncoding_->escapeString(theCharacters, theLength, out.get());
+  theContext.writer->putCharacters(out->getCharactersPtr(), out->length());
+}
+
+ZnIndex SearchIndexer::resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex,
+                                     Zn::MutableString* theResult) {
+  // theText[theIndex] is a backslash with at least one character after it.
+  const ZnUnichar next = theText[theIndex + 1];
+  switch (next) {
+  case '"':
+  case '\\': theResult->appendCharacter(next); return theIndex + 2;
+  case 'n':
+  case 'r': theResult->appendCharacter(10); return theIndex + 2;
+  case 't': theResult->appendCharacter(9); return theIndex + 2;
+  // String markers and line continuations show nothing.
+  case '<':
+  case '>':
+  case 10: return theIndex + 2;
+  case 13: return theIndex + 2 < theLength && theText[theIndex + 2] == 10 ? theIndex + 3 : theIndex + 2;
+  case '[': {
+    ZnIndex close = theIndex + 2;
+    while (close < theLength && theText[close] != ']' && theText[close] != '\\' && theText[close] != '"')
+      ++close;
+    ZnUnichar code = 0;
+    if (close < theLength && theText[close] == ']' &&
+        Zn::Kx::Encoding::lookupNamedCharacter(theText + theIndex + 2, close - theIndex - 2, &code)) {
+      theResult->appendCharacter(code);
+      return close + 1;
+    }
+    break;
+  }
+  case '.':
+    if (theIndex + 4 <= theLength) {
+      int32_t code = hexNumber(theText + theIndex + 2, 2);
+      if (code >= 0) {
+        theResult->appendCharacter(ZnUnichar(code));
+        return theIndex + 4;
+      }
+    }
+    break;
+  case ':':
+    if (theIndex + 6 <= theLength) {
+      int32_t code = hexNumber(theText + theIndex + 2, 4);
+      if (code >= 0) {
+        theResult->appendCharacter(ZnUnichar(code));
+        return theIndex + 6;
+      }
+    }
+    break;
+  default: break;
+  }
+  // Not an escape: the backslash is text like any other character.
+  theResult->appendCharacter('\\');
+  return theIndex + 1;
+}
+
+void SearchIndexer::resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult) {
+  ZnIndex i = 0;
+  while (i < theLength) {
+    if (theText[i] != '\\' || i + 1 >= theLength) {
+      theResult->appendCharacter(theText[i++]);
+      continue;
+    }
+    // A box group is kept as written, for writeAtomText to parse.
+    ZnIndex end = opensBoxGroup(theText, theLength, i) ? boxGroupEnd(theText, theLength, i) : -1;
+    if (end > 0) {
+      theResult->appendCharacters(theText + i, end - i);
+      i = end;
+      continue;
+    }
+    i = resolveEscape(theText, theLength, i, theResult);
+  }
+}
+
+void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, const IndexContext& theContext) {
+  // Box groups can only be found once the escapes around them are resolved:
+  // a group inside a string inside a string is written "\\!\\(...\\)".
+  Scratch resolved(this);
+  resolveEscapes(theText, theLength, resolved.get());
+  const ZnUnichar* text = resolved->getCharactersPtr();
+  const ZnIndex length = resolved->length();
+  ZnIndex written = 0;
+  for (ZnIndex i = 0; i + 1 < length; ++i) {
+    if (text[i] != '\\' || !opensBoxGroup(text, length, i))
+      continue;
+    ZnIndex end = boxGroupEnd(text, length, i);
+    if (end < 0)
+      break;
+    Zn::Ref<Expr> box = adopt(parseBoxGroup(text + i, end - i));
+    if (!box)
+      continue;
+    writeResolvedText(text + written, i - written, theContext);
+    indexBox(box.get(), theContext);
+    written = end;
+    i = end - 1;
+  }
+  writeResolvedText(text + written, length - written, theContext);
+}
+
+namespace {
+/// +1. theText parsed, without reports; null when it does not parse.
+Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape) {
+  // Inside a string the text's own quotes and backslashes are escaped once.
+  auto source = adopt(new Zn::MutableString(theLength));
+  for (ZnIndex i = 0; i < theLength; ++i) {
+    if (theUnescape && theText[i] == '\\' && i + 1 < theLength && (theText[i + 1] == '"' || theText[i + 1] == '\\'))
+      ++i;
+    source->appendCharacter(theText[i]);
+  }
+  auto reader = adopt<Zn::Reader>(new Zn::StringReader(source.get()));
+  auto parser = adopt(new Zn::Kx::ExprParser(reader.get()));
+  parser->setErrorHandler(nullptr);
+  auto result = adopt(parser->parse());
+  if (result && result->isEqual(HeadSymbol(Head::SyntaxError)))
+    return nullptr;
+  return result.leak();
+}
+
+bool isBoxExpression(const Expr* theExpr) {
+  auto head = theExpr && !theExpr->isAtom() ? dynamic_cast<Zn::Kx::Symbol*>(theExpr->head()) : nullptr;
+  if (!head)
+    return false;
+  const Zn::String* name = head->getName();
+  const ZnIndex length = name->length();
+  return length > 3 && name->characterAtIndex(length - 3) == 'B' && name->characterAtIndex(length - 2) == 'o' &&
+         name->characterAtIndex(length - 1) == 'x';
+}
+} // namespace
+
+Expr* SearchIndexer::parseBoxGroup(const ZnUnichar* theText, ZnIndex theLength) {
+  // A group that does not parse stays as its text, without a report.
+  return parseQuietly(theText, theLength, true);
+}
+
+Expr* SearchIndexer::parseEmbeddedBox(Expr* theText) {
+  Zn::String* text = stringText(theText);
+  if (!text)
+    return nullptr;
+  for (bool unescape : {false, true}) {
+    auto box = adopt(parseQuietly(text->getCharactersPtr(), text->length(), unescape));
+    if (isBoxExpression(box.get()))
+      return box.leak();
+  }
+  return nullptr;
+}
+
+//===--- Cells ------------------------------------------------------------===//
+
+void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
+  using namespace Vocabulary;
+  // A cell whose second argument is already an option has no style, like
+  // the formulas set inline in text.
+  if (theCell->length() < 2 || isRule(theCell->part(2))) {
+    if (theCell->length() >= 1)
+      indexBox(theCell->part(1), theContext);
+    return;
+  }
+  Expr* contents = theCell->part(1);
+  IndexContext context = theContext;
+  context.cell = retained(theCell);
+  context.cellStyle = adopt(theCell->stringValueOfPart(2));
+  Zn::String* style = context.cellStyle.get();
+
+  // Every style counts its own cells, which is what CounterBox shows.
+  auto counter = dynamic_cast<Expr*>(namedCounters_->objectForKey(style));
+  auto next = adopt(new Zn::Kx::MachineInteger(counter ? counter->integerValue() + 1 : 1));
+  namedCounters_->setObjectForKey(style, next.get());
+
+  beginCell(theCell, context);
+  if (Input.isNameOf(style))
+    countInputCell();
+  else if (Output.isNameOf(style))
+    countOutputCell();
+  if (Title.isNameOf(style)) {
+    countTitleCell();
+    if (overrides(kSetTitle))
+      setTitle(adopt(stringForBox(contents, context)).get());
+  } else if ((hasText(style, "Subtitle") || hasText(style, "Section") || hasText(style, "Subsection")) &&
+             overrides(kNoteCellText)) {
+    noteCellText(adopt(stringForBox(contents, context)).get());
+  }
+  readCellOptions(theCell);
+
+  indexBox(contents, context);
+  if (CellGroupData.isHeadOf(contents) || GraphicsData.isHeadOf(contents))
+    return;
+  endCell(theCell, context);
+  writeCellSeparator(context);
+}
+
+void SearchIndexer::readCellOptions(Expr* theCell) {
+  using namespace Vocabulary;
+  for (ZnIndex i = 3; i <= theCell->length(); ++i) {
+    Expr* option = theCell->part(i);
+    if (!isRule(option))
+      continue;
+    Expr* name = option->part(1);
+    Expr* value = option->part(2);
+    if (Evaluator.matches(name)) {
+      if (overrides(kSetEvaluator))
+        setEvaluator(adopt(value->stringValue()).get());
+    } else if (CellTags.matches(name) || InitializationCell.matches(name) || Author.matches(name)) {
+      countCellOption();
+      if (stringText(value) && overrides(kNoteCellOption))
+        noteCellOption(stringText(value));
+    }
+  }
+}
+
+//===--- Default operations -----------------------------------------------===//
+
+void SearchIndexer::beginDocument(Expr*) {}
+void SearchIndexer::endDocument(Expr*) {}
+void SearchIndexer::beginCell(Expr*, const IndexContext&) {}
+void SearchIndexer::endCell(Expr*, const IndexContext&) {}
+void SearchIndexer::writeText(Zn::String*) {}
+void SearchIndexer::writeCellSeparator(const IndexContext& theContext) { theContext.writer->putNewlines(2); }
+void SearchIndexer::setTitle(Zn::String*) {}
+void SearchIndexer::noteCellText(Zn::String*) {}
+void SearchIndexer::setNotebookKind(Zn::Kx::Symbol*) {}
+void SearchIndexer::setEvaluator(Zn::String*) {}
+void SearchIndexer::noteCellOption(Zn::String*) {}
+void SearchIndexer::setStyleDefinitions(Expr*) {}
+void SearchIndexer::setFrontEndVersion(Zn::String*) {}
+void SearchIndexer::setWindowFrame(Zn::String*) {}
+void SearchIndexer::setWindowSize(double, double) {}
+void SearchIndexer::countInputCell() { ++inputCellCount_; }
+void SearchIndexer::countOutputCell() { ++outputCellCount_; }
+void SearchIndexer::countTitleCell() { ++titleCellCount_; }
+void SearchIndexer::countCellOption() { ++cellOptionCount_; }
+void SearchIndexer::countGraphics() { ++graphicsCount_; }
+void SearchIndexer::writeActionMenu(Zn::String*, Zn::Array*, const IndexContext&) {}
+void SearchIndexer::writeCheckbox(int32_t, const IndexContext&) {}
+void SearchIndexer::writeInputField(Zn::String*, const IndexContext&) {}
+void SearchIndexer::writePopupMenu(Zn::Array*, int32_t, const IndexContext&) {}
+void SearchIndexer::writeRadioButton(int32_t, const IndexContext&) {}
+
+void SearchIndexer::writeHyperlink(Zn::String* theLabel, Zn::String* theURL, const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writer->putString(theLabel);
+  writer->putBytes(" <");
+  writer->putString(theURL);
+  writer->putBytes(">");
+}
+
+void SearchIndexer::writeButton(Zn::String* theLabel, const IndexContext& theContext) {
+  theContext.writer->putString(theLabel);
+}
+
+void SearchIndexer::writeSubscript(Expr* theScript, const IndexContext& theContext) {
+  indexBox(theScript, theContext);
+}
+
+void SearchIndexer::writeSuperscript(Expr* theScript, const IndexContext& theContext) {
+  theContext.writer->putCharacter('^');
+  indexBox(theScript, theContext);
+}
+
+void SearchIndexer::writeTabView(Zn::Array* theLabels, Zn::Array* theContents, int32_t,
+                                 const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writer->putNewlines(1);
+  for (ZnIndex i = 0; i < theLabels->getCount(); ++i) {
+    indexBox(static_cast<Expr*>(theLabels->objectAtIndex(i)), theContext);
+    writer->putNewlines(1);
+    indexBox(static_cast<Expr*>(theContents->objectAtIndex(i)), theContext);
+    writer->putNewlines(1);
+  }
+}
+
+//===--- Box handlers -----------------------------------------------------===//
+
+void SearchIndexer::indexActionMenuBox(Expr* theBox, const IndexContext& theContext) {
+  IndexContext context = theContext;
+  context.showStringCharacters = false;
+  Zn::Ref<Zn::String> label;
+  if (theBox->length() >= 1)
+    label = adopt(stringForBox(theBox->part(1), context));
+  auto items = adopt(new Zn::MutableArray());
+  if (theBox->length() >= 2 && isList(theBox->part(2))) {
+    Expr* list = theBox->part(2);
+    // An item's label is the left side; the right side is its action.
+    for (ZnIndex i = 1; i <= list->length(); ++i)
+      if (isRule(list->part(i)))
+        items->addObject(adopt(stringForBox(list->partOfPart(i, 1), context)).get());
+  }
+  if (overrides(kWriteActionMenu))
+    writeActionMenu(label.get(), items.get(), context);
+}
+
+Zn::String* SearchIndexer::copyHyperlinkURL(Expr* theBox) {
+  using namespace Vocabulary;
+  Expr* data = optionValue(theBox, 2, ButtonData);
+  Expr* url = nullptr;
+  if (URL.isHeadOf(data))
+    url = data;
+  else if (isList(data) && data->length() >= 1 && URL.isHeadOf(data->part(1)))
+    url = data->part(1);
+  if (url)
+    return url->length() >= 1 ? url->stringValueOfPart(1) : new Zn::String();
+
+  bool linkStyle = Hyperlink.isNameOf(optionValue(theBox, 2, ButtonStyle)) ||
+                   Hyperlink.isNameOf(optionValue(theBox, 2, BaseStyle));
+  if (!linkStyle)
+    return nullptr;
+  if (!data)
+    return new Zn::String();
+  if (Zn::String* text = stringText(data))
+    return static_cast<Zn::String*>(text->retain());
+  return nullptr;
+}
+
+void SearchIndexer::indexButtonBox(Expr* theBox, const IndexContext& theContext) {
+  auto label = adopt(theBox->length() >= 1 ? stringForBox(theBox->part(1), theContext) : new Zn::String());
+  auto url = adopt(copyHyperlinkURL(theBox));
+  if (url)
+    writeHyperlink(label.get(), url.get(), theContext);
+  else
+    writeButton(label.get(), theContext);
+}
+
+void SearchIndexer::indexCheckboxBox(Expr* theBox, const IndexContext& theContext) {
+  Expr* value = theBox->length() >= 1 ? theBox->part(1) : nullptr;
+  int32_t state = -1;
+  if (Vocabulary::True.matches(value))
+    state = 1;
+  else if (Vocabulary::False.matches(value))
+    state = 0;
+  writeCheckbox(state, theContext);
+}
+
+void SearchIndexer::indexCounterBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  auto name = adopt(theBox->stringValueOfPart(1));
+  if (Zn::Object* value = namedCounters_->objectForKey(name.get()))
+    value->writeDescription(theContext.writer.get());
+  else
+    theContext.writer->putCharacter('0');
+}
+
+void SearchIndexer::indexDynamicBox(Expr* theBox, const IndexContext& theContext) {
+  if (theContext.indexDynamic && theBox->length() >= 1)
+    indexBox(theBox->part(1), theContext);
+  else
+    theContext.writer->putBytes("-Dynamic-");
+}
+
+void SearchIndexer::noteDynamicModuleVariable(Expr*, IndexContext&) {
+  // The variables' values live in the front end; nothing of them is shown,
+  // so the walk records nothing yet.
+}
+
+void SearchIndexer::indexDynamicModuleBox(Expr* theBox, const IndexContext& theContext) {
+  IndexContext context = theContext;
+  if (theBox->length() >= 1 && isList(theBox->part(1))) {
+    Expr* variables = theBox->part(1);
+    for (ZnIndex i = 1; i <= variables->length(); ++i)
+      noteDynamicModuleVariable(variables->part(i), context);
+  }
+  if (theBox->length() >= 2)
+    indexBox(theBox->part(2), context);
+}
+
+void SearchIndexer::indexFractionBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 2)
+    return;
+  indexBox(theBox->part(1), theContext);
+  theContext.writer->putCharacter('/');
+  indexBox(theBox->part(2), theContext);
+}
+
+void SearchIndexer::writeGraphicsLabel(Expr* theLabel, const IndexContext& theContext) {
+  // None stands for a label that is not there; lists (such as the four
+  // sides of a frame) hold one label per element.
+  if (sNone.matches(theLabel))
+    return;
+  if (isList(theLabel)) {
+    for (ZnIndex i = 1; i <= theLabel->length(); ++i)
+      writeGraphicsLabel(theLabel->part(i), theContext);
+    return;
+  }
+  indexBox(theLabel, theContext);
+  theContext.writer->putNewlines(1);
+}
+
+void SearchIndexer::indexGraphicsBox(Expr* theBox, const IndexContext& theContext) {
+  using namespace Vocabulary;
+  for (ZnIndex i = 2; i <= theBox->length(); ++i) {
+    Expr* option = theBox->part(i);
+    if (isRule(option) && (AxesLabel.matches(option->part(1)) || FrameLabel.matches(option->part(1)) ||
+                           PlotLabel.matches(option->part(1))))
+      writeGraphicsLabel(option->part(2), theContext);
+  }
+}
+
+void SearchIndexer::indexGraphicsData(Expr*, const IndexContext&) {}
+
+void SearchIndexer::indexGridBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1 || !isList(theBox->part(1)))
+    return;
+  Expr* rows = theBox->part(1);
+  Zn::Writer* writer = theContext.writer.get();
+  for (ZnIndex r = 1; r <= rows->length(); ++r) {
+    Expr* row = rows->part(r);
+    if (!isList(row))
+      continue;
+    for (ZnIndex c = 1; c <= row->length(); ++c) {
+      indexBox(row->part(c), theContext);
+      writer->putCharacter(9);
+    }
+    if (r < rows->length())
+      writer->putNewlines(1);
+  }
+}
+
+void SearchIndexer::indexInputFieldBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  IndexContext context = theContext;
+  context.indexDynamic = true;
+  if (theBox->length() >= 2 && theBox->part(2)->isEqual(HeadSymbol(Head::String)))
+    context.showStringCharacters = false;
+  if (!overrides(kWriteInputField))
+    return;
+  auto value = adopt(stringForBox(theBox->part(1), context));
+  writeInputField(value.get(), context);
+}
+
+void SearchIndexer::indexPanelBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() >= 1)
+    indexBox(theBox->part(1), theContext);
+}
+
+void SearchIndexer::indexPaneSelectorBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  Expr* panes = theBox->part(1);
+  if (!isList(panes) || panes->length() < 1)
+    return indexBox(panes, theContext);
+  // Only the first pane is shown, whatever the current value says.
+  Expr* first = panes->part(1);
+  if (isHead(first, Head::Rule) && first->length() >= 2)
+    return indexBox(first->part(2), theContext);
+  indexBox(first, theContext);
+}
+
+void SearchIndexer::indexPopupMenuBox(Expr* theBox, const IndexContext& theContext) {
+  auto items = adopt(new Zn::MutableArray());
+  int32_t selected = -1;
+  if (theBox->length() >= 2 && isList(theBox->part(2))) {
+    auto current = adopt(theBox->stringValueOfPart(1));
+    Expr* list = theBox->part(2);
+    for (ZnIndex i = 1; i <= list->length(); ++i) {
+      Expr* rule = list->part(i);
+      if (!isRule(rule))
+        continue;
+      // The last rule whose value matches wins.
+      if (adopt(rule->stringValueOfPart(1))->isEqual(current.get()))
+        selected = items->getCount();
+      items->addObject(adopt(stringForBox(rule->part(2), theContext)).get());
+    }
+  }
+  if (overrides(kWritePopupMenu))
+    writePopupMenu(items.get(), selected, theContext);
+}
+
+void SearchIndexer::indexRadioButtonBox(Expr* theBox, const IndexContext& theContext) {
+  int32_t state = 0;
+  if (theBox->length() >= 2) {
+    // The button's value comes wrapped in a list: {value}.
+    Expr* value = theBox->part(2);
+    if (isList(value) && value->length() >= 1)
+      value = value->part(1);
+    state = Zn::Equal(theBox->part(1), value) ? 1 : 0;
+  }
+  writeRadioButton(state, theContext);
+}
+
+void SearchIndexer::indexRadicalBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  Zn::Writer* writer = theContext.writer.get();
+  writer->putCharacter('(');
+  indexBox(theBox->part(1), theContext);
+  writer->putCharacter(')');
+  if (theBox->length() >= 2) {
+    writer->putBytes("^(1/");
+    indexBox(theBox->part(2), theContext);
+    writer->putCharacter(')');
+  }
+}
+
+void SearchIndexer::indexRowBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  Expr* items = theBox->part(1);
+  if (items->isAtom()) {
+    // The "\\*" element of a box group is held as the text of the box it
+    // stands for.
+    auto embedded = adopt(parseEmbeddedBox(items));
+    return indexBox(embedded ? embedded.get() : items, theContext);
+  }
+  Zn::Writer* writer = theContext.writer.get();
+  const ZnIndex count = items->length();
+  for (ZnIndex i = 1; i <= count; ++i) {
+    Expr* item = items->part(i);
+    if (indent_ && i < count && isOneCharacterOf(items->part(i + 1), ")]}"))
+      writer->decreaseIndent();
+    bool spaceBefore = false;
+    bool spaceAfter = false;
+    if (Zn::String* text = stringText(item)) {
+      const ZnIndex length = text->length();
+      if (length == 1) {
+        const ZnUnichar c = text->characterAtIndex(0);
+        if (c == '*' || c == '+' || c == '-' || c == '/' || c == '=') {
+          spaceBefore = spaceAfter = true;
+        } else if (c == ',') {
+          spaceAfter = true;
+        } else if ((c == '(' || c == '[' || c == '{') && indent_) {
+          writer->increaseIndent();
+        }
+      } else if (length == 2 || length == 3) {
+        spaceBefore = spaceAfter = hasText(text, "==") || hasText(text, "!=") || hasText(text, "===") ||
+                                   hasText(text, "=!=");
+      }
+    }
+    if (spaceBefore)
+      writer->putCharacter(' ');
+    indexBox(item, theContext);
+    if (spaceAfter)
+      writer->putCharacter(' ');
+  }
+}
+
+void SearchIndexer::indexSetterBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() > 2)
+    indexBox(theBox->part(3), theContext);
+  else if (theBox->length() == 2)
+    indexBox(theBox->part(2), theContext);
+}
+
+void SearchIndexer::indexSqrtBox(Expr* theBox, const IndexContext& theContext) {
+  static const ZnUnichar kSquareRoot = 0x221A;
+  writeResolvedText(&kSquareRoot, 1, theContext);
+  if (theBox->length() >= 1)
+    indexBox(theBox->part(1), theContext);
+}
+
+void SearchIndexer::indexStyleBox(Expr* theBox, const IndexContext& theContext) {
+  using namespace Vocabulary;
+  if (theBox->length() < 1)
+    return;
+  // Only ShowStringCharacters changes what the text shows. A SetterBox
+  // inside clears it again on the way in, so a setter's label never shows
+  // quotes whatever the style says.
+  Expr* show = optionValue(theBox, 2, ShowStringCharacters);
+  if (True.matches(show) || False.matches(show)) {
+    IndexContext context = theContext;
+    context.showStringCharacters = True.matches(show);
+    return indexBox(theBox->part(1), context);
+  }
+  indexBox(theBox->part(1), theContext);
+}
+
+void SearchIndexer::indexSubscriptBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  indexBox(theBox->part(1), theContext);
+  if (theBox->length() >= 2)
+    writeSubscript(theBox->part(2), theContext);
+}
+
+void SearchIndexer::indexSuperscriptBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  indexBox(theBox->part(1), theContext);
+  if (theBox->length() >= 2)
+    writeSuperscript(theBox->part(2), theContext);
+}
+
+void SearchIndexer::indexTabViewBox(Expr* theBox, const IndexContext& theContext) {
+  auto theLabels = adopt(new Zn::MutableArray());
+  auto theContents = adopt(new Zn::MutableArray());
+  int32_t selected = -1;
+  Expr* current = theBox->length() >= 2 ? theBox->part(2) : nullptr;
+  if (theBox->length() >= 1 && isList(theBox->part(1))) {
+    Expr* tabs = theBox->part(1);
+    for (ZnIndex i = 1; i <= tabs->length(); ++i) {
+      // A tab is {key, label -> content}, or label -> content alone.
+      Expr* tab = tabs->part(i);
+      Expr* rule = tab;
+      if (isList(tab) && tab->length() >= 1)
+        rule = tab->part(tab->length());
+      if (!isRule(rule))
+        continue;
+      if (selected < 0 && current && isList(tab) && tab->length() == 2 && Zn::Equal(tab->part(1), current))
+        selected = theLabels->getCount();
+      theLabels->addObject(rule->part(1));
+      theContents->addObject(rule->part(2));
+    }
+  }
+  ZnAssert(theLabels->getCount() == theContents->getCount(), theLabels->getCount());
+  writeTabView(theLabels.get(), theContents.get(), selected < 0 ? 0 : selected, theContext);
+}
+
+//===--- Marking up input code --------------------------------------------===//
+
+// decorateBox marks up the code of "Input" and "Code" cells for a renderer
+// that shows styles. Everything it marks becomes a StyleBox around the part:
+// - a comment, from "(*" to its matching "*)" among the items of one row, or
+//   a string atom that is a whole comment: FontSlant -> "Italic" and
+//   FontColor -> RGBColor[67/255, 137/255, 88/255];
+// - a string literal (an atom written "\"...\""): FontColor -> GrayLevel[0.4];
+// - the local variables of a scoping construct, found as a row whose items
+//   are the construct's name, "[", the arguments and "]": for Module, Block
+//   and With each variable of the brace list of the first argument, where a
+//   variable given a value ("x = v", "x := v") has only its name marked; for
+//   Table, Do, Manipulate and Animate the variable of each iterator list
+//   after the first argument: FontColor -> GrayLevel[0.6].
+// Dynamic content and graphics are left as they are. Parts that nothing
+// changes are shared with the original, not copied.
+
+namespace {
+using Zn::Kx::Function;
+
+struct CodeMarks {
+  Zn::Ref<Expr> text(const char* theText) { return adopt<Expr>(new CharacterString(theText)); }
+  Zn::Ref<Expr> rule(Expr* theName, Expr* theValue) { return adopt<Expr>(Function::createRule(theName, theValue)); }
+
+  // The items that shape code in a row.
+  Zn::Ref<Expr> leftBracket = text("["), rightBracket = text("]"), leftBrace = text("{"),
+                rightBrace = text("}"), equal = text("="), delayedEqual = text(":="), comma = text(","),
+                commentOpen = text("(*"), commentClose = text("*)");
+  // Scoping constructs: the first three name their variables in a list
+  // first, the others in iterators after the first argument.
+  Zn::Ref<Expr> module = text("Module"), block = text("Block"), with = text("With"), table = text("Table"),
+                loop = text("Do"), manipulate = text("Manipulate"), animate = text("Animate");
+  // The style options.
+  Zn::Ref<Expr> fontSlant = adopt<Expr>(new Zn::Kx::Symbol("FontSlant"));
+  Zn::Ref<Expr> fontColor = adopt<Expr>(new Zn::Kx::Symbol("FontColor"));
+  Zn::Ref<Expr> italic = rule(fontSlant.get(), adopt<Expr>(new CharacterString("Italic")).get());
+  Zn::Ref<Expr> commentColor =
+      rule(fontColor.get(), adopt<Expr>(new Function(Vocabulary::RGBColor.get(),
+                                                     adopt(new Zn::Kx::MachineReal(67.0 / 255.0)).get(),
+                                                     adopt(new Zn::Kx::MachineReal(137.0 / 255.0)).get(),
+                                                     adopt(new Zn::Kx::MachineReal(88.0 / 255.0)).get()))
+                                  .get());
+  Zn::Ref<Expr> stringColor = gray(0.4);
+  Zn::Ref<Expr> variableColor = gray(0.6);
+
+  Zn::Ref<Expr> gray(double theLevel) {
+    return rule(fontColor.get(),
+                adopt<Expr>(new Function(Vocabulary::GrayLevel.get(), adopt(new Zn::Kx::MachineReal(theLevel)).get()))
+                    .get());
+  }
+};
+
+const CodeMarks& codeMarks() {
+  static CodeMarks sMarks;
+  return sMarks;
+}
+
+bool isItem(const Expr* theExpr, const Zn::Ref<Expr>& theMark) { return Zn::Equal(theExpr, theMark.get()); }
+
+/// +1. StyleBox[theContent, theOptions...].
+Expr* styled(Expr* theContent, Expr* theOption, Expr* theSecondOption = nullptr) {
+  return new Function(Vocabulary::StyleBox.get(), theContent, theOption, theSecondOption);
+}
+
+/// +1. RowBox[theList] with theRow's further arguments, if any.
+Expr* rowLike(Expr* theRow, Expr* theList) {
+  auto row = adopt(new Zn::Kx::MutableFunction(2, Vocabulary::RowBox.get()));
+  row->appendArgument(theList, true);
+  for (ZnIndex i = 2; i <= theRow->length(); ++i)
+    row->appendArgument(theRow->part(i), true);
+  return static_cast<Expr*>(row->copy());
+}
+
+bool isQuotedText(const Zn::String* theText) {
+  const ZnUnichar* t = theText->getCharactersPtr();
+  const ZnIndex n = theText->length();
+  if (n >= 2 && t[0] == '"' && t[n - 1] == '"')
+    return true;
+  return n >= 4 && t[0] == '\\' && t[1] == '"' && t[n - 2] == '\\' && t[n - 1] == '"';
+}
+
+bool isCommentText(const Zn::String* theText) {
+  const ZnUnichar* t = theText->getCharactersPtr();
+  const ZnIndex n = theText->length();
+  return n >= 4 && t[0] == '(' && t[1] == '*' && t[n - 2] == '*' && t[n - 1] == ')';
+}
+
+/// +1. theBox with every argument from theFirst on replaced by what
+/// theChange (which returns +1) makes of it; theBox itself, retained, when
+/// nothing changed.
+template <class Change> Expr* mapArguments(Expr* theBox, ZnIndex theFirst, Change theChange) {
+  const ZnIndex count = theBox->length();
+  ZnIndex i = theFirst;
+  Zn::Ref<Expr> first;
+  for (; i <= count; ++i) {
+    first = adopt(theChange(theBox->part(i)));
+    if (first.get() != theBox->part(i))
+      break;
+  }
+  if (i > count)
+    return static_cast<Expr*>(theBox->retain());
+  auto copy = adopt(new Zn::Kx::MutableFunction(2, theBox->head()));
+  for (ZnIndex j = 1; j < i; ++j)
+    copy->appendArgument(theBox->part(j), true);
+  copy->appendArgument(first.get(), true);
+  for (ZnIndex j = i + 1; j <= count; ++j)
+    copy->appendArgument(adopt(theChange(theBox->part(j))).get(), true);
+  return static_cast<Expr*>(copy->copy());
+}
+
+class CodeDecorator {
+public:
+  /// +1.
+  Expr* decorate(Expr* theBox);
+
+private:
+  Expr* decorateRow(Expr* theRow);
+  Expr* decorateScope(Expr* theArguments, bool theVariablesFirst);
+  Expr* markVariables(Expr* theList, bool theIterator);
+  Expr* markVariable(Expr* theVariable);
+  const CodeMarks& marks_ = codeMarks();
+};
+
+Expr* CodeDecorator::decorate(Expr* theBox) {
+  using namespace Vocabulary;
+  if (theBox->isAtom()) {
+    Zn::String* text = stringText(theBox);
+    if (text && isCommentText(text))
+      return styled(theBox, marks_.italic.get(), marks_.commentColor.get());
+    if (text && isQuotedText(text))
+      return styled(theBox, marks_.stringColor.get());
+    return static_cast<Expr*>(theBox->retain());
+  }
+  Expr* head = theBox->head();
+  if (Dynamic.matches(head) || DynamicBox.matches(head) || GraphicsBox.matches(head) ||
+      Graphics3DBox.matches(head))
+    return static_cast<Expr*>(theBox->retain());
+  if (RowBox.matches(head) && theBox->length() >= 1 && isList(theBox->part(1)))
+    return decorateRow(theBox);
+  return mapArguments(theBox, 1, [this](Expr* theArgument) { return decorate(theArgument); });
+}
+
+Expr* CodeDecorator::decorateRow(Expr* theRow) {
+  Expr* items = theRow->part(1);
+  const ZnIndex count = items->length();
+  auto result = adopt(new Zn::Kx::MutableFunction(2, HeadSymbol(Head::List)));
+  bool changed = false;
+  for (ZnIndex i = 1; i <= count; ++i) {
+    Expr* item = items->part(i);
+    if (isItem(item, marks_.commentOpen)) {
+      // The comment runs to the "*)" that matches this "(*".
+      ZnIndex end = i + 1;
+      for (int32_t depth = 1; end <= count; ++end) {
+        if (isItem(items->part(end), marks_.commentOpen))
+          ++depth;
+        else if (isItem(items->part(end), marks_.commentClose) && --depth == 0)
+          break;
+      }
+      if (end <= count) {
+        if (i == 1 && end == count)
+          return styled(theRow, marks_.italic.get(), marks_.commentColor.get());
+        auto run = adopt(new Zn::Kx::MutableFunction(2, HeadSymbol(Head::List)));
+        for (ZnIndex j = i; j <= end; ++j)
+          run->appendArgument(items->part(j), true);
+        auto comment = adopt(new Function(Vocabulary::RowBox.get(), static_cast<Expr*>(run.get())));
+        result->appendArgument(styled(comment.get(), marks_.italic.get(), marks_.commentColor.get()), false);
+        changed = true;
+        i = end;
+        continue;
+      }
+    }
+    const bool variablesFirst = isItem(item, marks_.module) || isItem(item, marks_.block) || isItem(item, marks_.with);
+    const bool iterators = isItem(item, marks_.table) || isItem(item, marks_.loop) ||
+                           isItem(item, marks_.manipulate) || isItem(item, marks_.animate);
+    if ((variablesFirst || iterators) && i + 2 <= count && isItem(items->part(i + 1), marks_.leftBracket)) {
+      Expr* arguments = items->part(i + 2);
+      Expr* scoped = decorateScope(arguments, variablesFirst);
+      changed = changed || scoped != arguments;
+      result->appendArgument(item, true);
+      result->appendArgument(items->part(i + 1), true);
+      result->appendArgument(scoped, false);
+      i += 2;
+      continue;
+    }
+    Expr* decorated = decorate(item);
+    changed = changed || decorated != item;
+    result->appendArgument(decorated, false);
+  }
+  if (!changed)
+    return static_cast<Expr*>(theRow->retain());
+  return rowLike(theRow, result.get());
+}
+
+Expr* CodeDecorator::decorateScope(Expr* theArguments, bool theVariablesFirst) {
+  // The arguments are one row of items separated by commas, or a single box.
+  if (!Vocabulary::RowBox.isHeadOf(theArguments) || theArguments->length() < 1 || !isList(theArguments->part(1)))
+    return theVariablesFirst ? markVariables(theArguments, false) : decorate(theArguments);
+  Expr* items = theArguments->part(1);
+  ZnIndex position = 0;
+  auto marked = mapArguments(items, 1, [&](Expr* theItem) {
+    if (isItem(theItem, marks_.comma))
+      return static_cast<Expr*>(theItem->retain());
+    ++position;
+    if (theVariablesFirst && position == 1)
+      return markVariables(theItem, false);
+    if (!theVariablesFirst && position > 1)
+      return markVariables(theItem, true);
+    return decorate(theItem);
+  });
+  auto list = adopt(marked);
+  if (list.get() == items)
+    return static_cast<Expr*>(theArguments->retain());
+  return rowLike(theArguments, list.get());
+}
+
+Expr* CodeDecorator::markVariables(Expr* theList, bool theIterator) {
+  // {x, y = 1} or {i, 1, n}: a row of "{", the contents and "}".
+  if (!Vocabulary::RowBox.isHeadOf(theList) || theList->length() < 1 || !isList(theList->part(1)) ||
+      theList->lengthOfPart(1) != 3 || !isItem(theList->partOfPart(1, 1), marks_.leftBrace) ||
+      !isItem(theList->partOfPart(1, 3), marks_.rightBrace))
+    return decorate(theList);
+  Expr* inner = theList->partOfPart(1, 2);
+  Zn::Ref<Expr> marked;
+  if (Vocabulary::RowBox.isHeadOf(inner) && inner->length() >= 1 && isList(inner->part(1))) {
+    Expr* items = inner->part(1);
+    ZnIndex position = 0;
+    auto list = adopt(mapArguments(items, 1, [&](Expr* theItem) {
+      if (isItem(theItem, marks_.comma))
+        return static_cast<Expr*>(theItem->retain());
+      ++position;
+      // An iterator names its variable first; a variable list names one in
+      // every place.
+      if (!theIterator || position == 1)
+        return markVariable(theItem);
+      return decorate(theItem);
+    }));
+    marked = list.get() == items ? retained(inner) : adopt(rowLike(inner, list.get()));
+  } else {
+    marked = adopt(markVariable(inner));
+  }
+  if (marked.get() == inner)
+    return static_cast<Expr*>(theList->retain());
+  auto braces = adopt(new Function(HeadSymbol(Head::List), theList->partOfPart(1, 1), marked.get(),
+                                   theList->partOfPart(1, 3)));
+  return rowLike(theList, braces.get());
+}
+
+Expr* CodeDecorator::markVariable(Expr* theVariable) {
+  if (stringText(theVariable) && !isQuotedText(stringText(theVariable)))
+    return styled(theVariable, marks_.variableColor.get());
+  // x = v or x := v: the name is the variable, the value is code.
+  if (Vocabulary::RowBox.isHeadOf(theVariable) && theVariable->length() >= 1 && isList(theVariable->part(1)) &&
+      theVariable->lengthOfPart(1) == 3 &&
+      (isItem(theVariable->partOfPart(1, 2), marks_.equal) ||
+       isItem(theVariable->partOfPart(1, 2), marks_.delayedEqual))) {
+    Expr* items = theVariable->part(1);
+    auto name = adopt(markVariable(items->part(1)));
+    auto value = adopt(decorate(items->part(3)));
+    auto list = adopt(new Function(HeadSymbol(Head::List), name.get(), items->part(2), value.get()));
+    return rowLike(theVariable, list.get());
+  }
+  return decorate(theVariable);
+}
+} // namespace
+
+Expr* SearchIndexer::decorateBox(Expr* theBox, bool theIsCode) {
+  using namespace Vocabulary;
+  CodeDecorator decorator;
+  if (theIsCode)
+    return decorator.decorate(theBox);
+  if (!Cell.isHeadOf(theBox) || theBox->length() < 2 ||
+      !(Input.isNameOf(theBox->part(2)) || Code.isNameOf(theBox->part(2))))
+    return static_cast<Expr*>(theBox->retain());
+  // Only the contents are code; the style and the options stay.
+  ZnIndex position = 0;
+  return mapArguments(theBox, 1, [&](Expr* theArgument) {
+    return ++position == 1 ? decorator.decorate(theArgument) : static_cast<Expr*>(theArgument->retain());
+  });
+}

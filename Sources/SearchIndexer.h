@@ -1,0 +1,192 @@
+//===- SearchIndexer.h - Walks a parsed notebook for a renderer -----------===//
+#pragma once
+#include "Zn/Base/ZnObject.h"
+#include "Zn/Base/ZnRef.h"
+
+namespace Zn {
+class Array;
+class MutableArray;
+class MutableDictionary;
+class MutableString;
+class Stream;
+class String;
+class Writer;
+namespace Kx {
+class Encoding;
+class Expr;
+class Symbol;
+} // namespace Kx
+} // namespace Zn
+
+/// The state that travels down the walk. Handlers receive it by reference
+/// and copy it before they change anything, so that a child's changes never
+/// reach its siblings.
+struct IndexContext {
+  /// Where the text goes: the indexer's writer at the top, a string writer
+  /// while a box is rendered into a string.
+  Zn::Ref<Zn::Writer> writer;
+  /// The cell being walked, and its style name; empty outside any cell.
+  Zn::Ref<Zn::Kx::Expr> cell;
+  Zn::Ref<Zn::String> cellStyle;
+  /// Cleared inside BoxData and TextData.
+  bool textMode = true;
+  /// While false, a string atom written "\"...\"" loses its quotes.
+  bool showStringCharacters = true;
+  /// While true, Dynamic and DynamicBox are walked into instead of being
+  /// shown as "-Dynamic-".
+  bool indexDynamic = false;
+};
+
+/// Reads one notebook from a stream, parses it and walks it, turning every
+/// box into a call of one of its virtual operations. It writes almost
+/// nothing itself; renderers derive from it and override what they show.
+class SearchIndexer : public Zn::Object {
+public:
+  SearchIndexer();
+
+  bool getIndent() const { return indent_; }
+  /// Whether brackets in a row change the writer's indentation.
+  void setIndent(bool theIndent) { indent_ = theIndent; }
+  /// Borrowed.
+  Zn::Writer* getWriter() const { return writer_.get(); }
+  /// Borrowed. The encoding that writes resolved text back out.
+  Zn::Kx::Encoding* getCharacterEncoding() const { return characterEncoding_.get(); }
+  ZnIndex getStyleDataCount() const { return styleDataCount_; }
+
+  // The operations, in slot order. Handlers take the whole box (head and
+  // arguments) and read its arguments by position.
+
+  /// Parses and walks one document. False for input that is empty, begins
+  /// with "<" or "%", does not parse, or is not a Notebook[...]. Exceptions
+  /// of the parser and the handlers pass through.
+  virtual bool indexStream(Zn::Stream* theStream);
+  /// The dispatcher: compares the head with the vocabulary and calls one
+  /// handler per box kind; atoms go to indexString.
+  virtual void indexBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  /// +1. The box rendered by the dispatcher into a new string.
+  virtual Zn::String* stringForBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  /// +1. The box with the code of input cells marked up by style boxes; see
+  /// the .cpp for what is marked. theIsCode treats theBox itself as code.
+  virtual Zn::Kx::Expr* decorateBox(Zn::Kx::Expr* theBox, bool theIsCode);
+  virtual void beginDocument(Zn::Kx::Expr* theNotebook);
+  virtual void endDocument(Zn::Kx::Expr* theNotebook);
+  /// theContext.cellStyle holds the cell's style name.
+  virtual void beginCell(Zn::Kx::Expr* theCell, const IndexContext& theContext);
+  virtual void endCell(Zn::Kx::Expr* theCell, const IndexContext& theContext);
+  virtual void writeText(Zn::String* theText);
+  /// Two line ends: cells are separated by one empty line.
+  virtual void writeCellSeparator(const IndexContext& theContext);
+  virtual void setTitle(Zn::String* theTitle);
+  virtual void noteCellText(Zn::String* theText);
+  virtual void setNotebookKind(Zn::Kx::Symbol* theKind);
+  virtual void setEvaluator(Zn::String* theName);
+  virtual void noteCellOption(Zn::String* theText);
+  /// A style sheet name, or an embedded Notebook expression.
+  virtual void setStyleDefinitions(Zn::Kx::Expr* theValue);
+  virtual void setFrontEndVersion(Zn::String* theText);
+  virtual void setWindowFrame(Zn::String* theText);
+  virtual void setWindowSize(double theWidth, double theHeight);
+  virtual void countInputCell();
+  virtual void countOutputCell();
+  virtual void countTitleCell();
+  virtual void countCellOption();
+  virtual void countGraphics();
+  virtual void indexCell(Zn::Kx::Expr* theCell, const IndexContext& theContext);
+  virtual void indexString(Zn::Kx::Expr* theLeaf, const IndexContext& theContext);
+  virtual void indexActionMenuBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  /// theLabel may be null; theItems holds strings.
+  virtual void writeActionMenu(Zn::String* theLabel, Zn::Array* theItems, const IndexContext& theContext);
+  virtual void indexButtonBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void writeHyperlink(Zn::String* theLabel, Zn::String* theURL, const IndexContext& theContext);
+  virtual void writeButton(Zn::String* theLabel, const IndexContext& theContext);
+  virtual void indexCheckboxBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  /// 1 checked, 0 unchecked, anything else (-1) undetermined.
+  virtual void writeCheckbox(int32_t theState, const IndexContext& theContext);
+  virtual void indexCounterBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexDynamicBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexDynamicModuleBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexFractionBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexGraphicsBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexGraphicsData(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexGridBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexInputFieldBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void writeInputField(Zn::String* theValue, const IndexContext& theContext);
+  virtual void indexPanelBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexPaneSelectorBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexPopupMenuBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  /// theItems holds strings; theSelected is 0-based, or matches none.
+  virtual void writePopupMenu(Zn::Array* theItems, int32_t theSelected, const IndexContext& theContext);
+  virtual void indexRadioButtonBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void writeRadioButton(int32_t theState, const IndexContext& theContext);
+  virtual void indexRadicalBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexRowBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexSetterBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexSqrtBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexStyleBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void indexSubscriptBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void writeSubscript(Zn::Kx::Expr* theScript, const IndexContext& theContext);
+  virtual void indexSuperscriptBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  virtual void writeSuperscript(Zn::Kx::Expr* theScript, const IndexContext& theContext);
+  virtual void indexTabViewBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  /// theLabels and theContents hold boxes, one of each per tab.
+  virtual void writeTabView(Zn::Array* theLabels, Zn::Array* theContents, int32_t theSelected,
+                            const IndexContext& theContext);
+
+  const char* className() const override;
+  const char* superclassName() const override;
+
+protected:
+  ~SearchIndexer() override;
+
+  /// Calls indexBox on every argument from theFirst to the last.
+  void walkArguments(Zn::Kx::Expr* theBox, ZnIndex theFirst, const IndexContext& theContext);
+  /// Writes text that is already resolved, through the character encoding.
+  void writeResolvedText(const ZnUnichar* theCharacters, ZnIndex theLength, const IndexContext& theContext);
+
+  /// Owning. The renderers make the writer; the HTML renderer replaces the
+  /// character encoding with its own flags.
+  Zn::Ref<Zn::Writer> writer_;
+  Zn::Ref<Zn::Kx::Encoding> characterEncoding_;
+
+private:
+  class Scratch;
+  enum Hook : int32_t;
+  /// Whether a renderer replaced the empty default of a hook, so that the
+  /// walk need not build arguments that nobody reads.
+  bool overrides(Hook theHook) const;
+  void readNotebookOptions(Zn::Kx::Expr* theNotebook);
+  void readCellOptions(Zn::Kx::Expr* theCell);
+  void noteDynamicModuleVariable(Zn::Kx::Expr* theVariable, IndexContext& theContext);
+  /// Resolves the escapes of an atom's text and writes the result; a box
+  /// group inside the text is walked where it stands.
+  void writeAtomText(const ZnUnichar* theText, ZnIndex theLength, const IndexContext& theContext);
+  /// +1. The box that a group found in a string ("\(...\)" or
+  /// "\!\(...\)") stands for; null when it does not parse.
+  static Zn::Kx::Expr* parseBoxGroup(const ZnUnichar* theText, ZnIndex theLength);
+  /// +1. The box whose text a string atom holds (such as "FormBox[...]");
+  /// null for any other text.
+  static Zn::Kx::Expr* parseEmbeddedBox(Zn::Kx::Expr* theText);
+  /// Appends what the escape at theIndex (a backslash with a character after
+  /// it) stands for; returns the index after it.
+  static ZnIndex resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex,
+                               Zn::MutableString* theResult);
+  /// One level of escapes resolved; box groups are kept as written.
+  static void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult);
+  void writeGraphicsLabel(Zn::Kx::Expr* theLabel, const IndexContext& theContext);
+  /// +1. The URL when theBox is a hyperlink button, else null.
+  Zn::String* copyHyperlinkURL(Zn::Kx::Expr* theBox);
+
+  Zn::Ref<Zn::MutableDictionary> namedCounters_;
+  ZnIndex inputCellCount_ = 0;
+  ZnIndex outputCellCount_ = 0;
+  ZnIndex titleCellCount_ = 0;
+  ZnIndex cellOptionCount_ = 0;
+  ZnIndex graphicsCount_ = 0;
+  ZnIndex styleDataCount_ = 0;
+  bool indent_ = true;
+  /// Reusable text buffers, so that writing an atom allocates nothing once
+  /// the walk is under way.
+  static constexpr ZnIndex kScratchPoolSize = 8;
+  Zn::MutableString* scratchPool_[kScratchPoolSize];
+  ZnIndex scratchCount_ = 0;
+};

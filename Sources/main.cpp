@@ -1,0 +1,74 @@
+//===- main.cpp - nbtext: notebooks to plain text or HTML -----------------===//
+//
+// nbtext [-html] [-noindent] [file ...]
+//
+// Converts each named notebook, or standard input when none is named, to
+// what a reader sees on the page, on standard output. Each file is announced
+// on standard error; a file that does not open is skipped, and the first
+// one that cannot be converted is logged and ends the run with status 255.
+//
+//===----------------------------------------------------------------------===//
+#include <cstdio>
+#include <cstring>
+#include "NotebookTextIndexer.h"
+#include "Zn/Base/ZnMemory.h"
+#include "Zn/IO/ZnFileStream.h"
+
+using Zn::adopt;
+
+namespace {
+/// Takes the argument at theIndex out of the list.
+void removeArgument(char** theArguments, int& theCount, int theIndex) {
+  Zn::MoveMemory(theArguments + theIndex + 1, theArguments + theIndex,
+                 Sys::size_t(theCount - theIndex - 1) * sizeof(char*));
+  --theCount;
+}
+} // namespace
+
+int main(int argc, char** argv) {
+  bool html = false;
+  bool indent = true;
+  // Options may stand anywhere and repeat. After a removal the scan looks
+  // again at the place the next argument slid into (for "-html", at the one
+  // before it, which the "-noindent" test then sees).
+  if (argc > 1) {
+    int i = 1;
+    do {
+      if (std::strncmp(argv[i], "-html", 5) == 0) {
+        removeArgument(argv, argc, i);
+        html = true;
+        --i;
+      }
+      if (std::strncmp(argv[i], "-noindent", 9) == 0) {
+        removeArgument(argv, argc, i);
+        indent = false;
+        --i;
+      }
+      ++i;
+    } while (i < argc);
+  }
+
+  Zn::Ref<SearchIndexer> indexer;
+  {
+    auto output = adopt(Zn::FilePointerStream::createStandardOutput());
+    // The HTML renderer is not part of this build yet; it reads the same
+    // options, and until it comes the text renderer serves.
+    (void)html;
+    indexer = adopt<SearchIndexer>(new NotebookTextIndexer(output.get()));
+  }
+  indexer->setIndent(indent);
+
+  if (argc < 2) {
+    auto input = adopt(Zn::FilePointerStream::createStandardInput());
+    return convertStream(indexer.get(), input.get()) ? 0 : -1;
+  }
+  for (int i = 1; i < argc; ++i) {
+    std::fprintf(stderr, "Converting %s\n", argv[i]);
+    auto input = adopt(Zn::FilePointerStream::createForReading(argv[i]));
+    if (!input)
+      continue;
+    if (!convertStream(indexer.get(), input.get()))
+      return -1;
+  }
+  return 0;
+}
