@@ -366,15 +366,11 @@ void SearchIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
   const uint32_t hash = head->hash();
   auto is = [head, hash](Constant& theName) { return theName.matches(head, hash); };
 
-  // Only the controls and the text containers change the context, so the
-  // copy is made only for them.
+  // Only the controls and the text containers change the context; their
+  // copies are made in helpers, so that this frame stays small.
+  if (theContext.showStringCharacters && isAnyOf(kControlsWithoutQuotes, head, hash))
+    return indexWithoutQuotes(theBox, theContext);
   const IndexContext* context = &theContext;
-  IndexContext changed;
-  if (isAnyOf(kControlsWithoutQuotes, head, hash)) {
-    changed = theContext;
-    changed.showStringCharacters = false;
-    context = &changed;
-  }
 
   if (is(Cell))
     return indexCell(theBox, *context);
@@ -428,11 +424,8 @@ void SearchIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
     indexGraphicsData(theBox, *context);
     return countGraphics();
   }
-  if (is(BoxData) || is(TextData)) {
-    changed = *context;
-    changed.textMode = false;
-    return walkArguments(theBox, 1, changed);
-  }
+  if (is(BoxData) || is(TextData))
+    return indexTextContainer(theBox, *context);
   if (isAnyOf(kProduceNothing, head, hash))
     return;
   if (is(CellGroupData) || isAnyOf(kShowFirstArgument, head, hash)) {
@@ -452,6 +445,18 @@ void SearchIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
     return;
   }
   walkArguments(theBox, 1, *context);
+}
+
+void SearchIndexer::indexWithoutQuotes(Expr* theBox, const IndexContext& theContext) {
+  IndexContext context = theContext;
+  context.showStringCharacters = false;
+  indexBox(theBox, context);
+}
+
+void SearchIndexer::indexTextContainer(Expr* theBox, const IndexContext& theContext) {
+  IndexContext context = theContext;
+  context.textMode = false;
+  walkArguments(theBox, 1, context);
 }
 
 Zn::String* SearchIndexer::stringForBox(Expr* theBox, const IndexContext& theContext) {

@@ -154,6 +154,10 @@ private:
   /// Whether a renderer replaced the empty default of a hook, so that the
   /// walk need not build arguments that nobody reads.
   bool overrides(Hook theHook) const;
+  // The dispatcher's context changes, out of line so that its own frame,
+  // entered once per level of the deepest boxes, stays small.
+  __attribute__((noinline)) void indexWithoutQuotes(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  __attribute__((noinline)) void indexTextContainer(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   void readNotebookOptions(Zn::Kx::Expr* theNotebook);
   void readCellOptions(Zn::Kx::Expr* theCell);
   void noteDynamicModuleVariable(Zn::Kx::Expr* theVariable, IndexContext& theContext);

@@ -1,6 +1,7 @@
 //===- NbtextCommandLineTest.cpp - Options, files, refusals, exit status --===//
 #include <gtest/gtest.h>
 #include "Indexer/NbtextRunner.h"
+#include "Kx/KxExprParser.h"
 
 namespace {
 using NbtextTest::RunNbtext;
@@ -108,6 +109,33 @@ TEST(NbtextCommandLineTest, RefusesWhatIsNoNotebook) {
     EXPECT_EQ(run.out, "") << what;
     std::string err = WithoutTimeStamps(run.err);
     EXPECT_NE(err.find("could not index file " + file + "\n"), std::string::npos) << what << ": " << err;
+  }
+}
+
+// The parser refuses nesting beyond its limit; everything it accepts the
+// walk must take without running out of stack, in each way of nesting.
+TEST(NbtextCommandLineTest, NestingJustUnderTheParsersLimitConverts) {
+  const int32_t outer = 4; // Notebook[ { Cell[ BoxData[
+  const int32_t levels = Zn::Kx::kMaxNestingDepth - outer - 2;
+  auto repeat = [](const std::string& theText, int32_t theCount) {
+    std::string out;
+    for (int32_t i = 0; i < theCount; ++i)
+      out += theText;
+    return out;
+  };
+  const struct {
+    const char* what;
+    std::string boxes;
+    std::string expected;
+  } shapes[] = {
+      {"rows", repeat("RowBox[{\"a\", ", levels / 2) + "\"x\"" + repeat("}]", levels / 2), repeat("a", levels / 2) + "x"},
+      {"lists", repeat("{", levels) + "x" + repeat("}", levels), "x"},
+      {"box groups", repeat("\\(", levels) + "x" + repeat("\\)", levels), "x"},
+  };
+  for (const auto& shape : shapes) {
+    auto run = NbtextTest::ConvertNotebook("Notebook[{Cell[BoxData[" + shape.boxes + "]]}]");
+    EXPECT_EQ(run.status, 0) << shape.what << ": " << run.err.substr(0, 300);
+    EXPECT_EQ(run.out, shape.expected) << shape.what;
   }
 }
 
