@@ -1,0 +1,88 @@
+//===- CorpusTest.cpp - Every real notebook converts, old formats refused -===//
+#include <gtest/gtest.h>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include "Indexer/NbtextRunner.h"
+#include "NotebookTextIndexer.h"
+#include "Support/ZnTestSupport.h"
+#include "Zn/IO/ZnFileStream.h"
+
+namespace {
+using Zn::adopt;
+
+struct CorpusFile {
+  std::string name;
+  std::string era;
+  long bytes = 0;
+};
+
+/// The rows of MANIFEST.tsv: file, bytes, era, features, note.
+std::vector<CorpusFile> ReadManifest() {
+  std::vector<CorpusFile> files;
+  std::ifstream manifest(NBTEXT_CORPUS_DIR "/MANIFEST.tsv");
+  std::string line;
+  std::getline(manifest, line); // the header
+  while (std::getline(manifest, line)) {
+    std::istringstream fields(line);
+    CorpusFile file;
+    std::string bytes;
+    std::getline(fields, file.name, '\t');
+    std::getline(fields, bytes, '\t');
+    std::getline(fields, file.era, '\t');
+    file.bytes = std::atol(bytes.c_str());
+    if (!file.name.empty())
+      files.push_back(file);
+  }
+  return files;
+}
+
+bool CorpusIsPresent() {
+  struct stat info;
+  return stat(NBTEXT_CORPUS_DIR "/MANIFEST.tsv", &info) == 0;
+}
+
+// Under the emulator the largest files take minutes; those are converted by
+// the native and the sanitizer builds.
+constexpr long kLargestUnderEmulator = 600 * 1024;
+
+class CorpusTest : public ZnTest::LeakCheckedTest {};
+
+TEST_F(CorpusTest, EveryNotebookConverts) {
+  if (!CorpusIsPresent())
+    GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
+  const bool emulated = NBTEXT_EMULATOR[0] != '\0';
+  auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
+  // One indexer for the whole corpus, as the driver feeds a run's files.
+  auto indexer = adopt<SearchIndexer>(new NotebookTextIndexer(sink.get()));
+  int converted = 0;
+  for (const CorpusFile& file : ReadManifest()) {
+    if (file.era == "ancient" || (emulated && file.bytes > kLargestUnderEmulator))
+      continue;
+    std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
+    auto input = adopt(Zn::FilePointerStream::createForReading(path.c_str()));
+    ASSERT_TRUE(input) << path;
+    EXPECT_TRUE(convertStream(indexer.get(), input.get())) << file.name;
+    ++converted;
+  }
+  EXPECT_GT(converted, emulated ? 40 : 80);
+}
+
+TEST(CorpusRefusalTest, AncientNotebooksAreRefused) {
+  if (!CorpusIsPresent())
+    GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
+  int refused = 0;
+  for (const CorpusFile& file : ReadManifest()) {
+    if (file.era != "ancient")
+      continue;
+    std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
+    auto run = NbtextTest::RunNbtext({path});
+    EXPECT_EQ(run.status, 255) << file.name;
+    EXPECT_EQ(run.out, "") << file.name;
+    std::string err = NbtextTest::WithoutTimeStamps(run.err);
+    EXPECT_NE(err.find("could not index file " + path + "\n"), std::string::npos) << err;
+    ++refused;
+  }
+  EXPECT_EQ(refused, 3);
+}
+} // namespace
