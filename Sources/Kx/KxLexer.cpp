@@ -123,8 +123,12 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
   ZnIndex j = ZnIndex(hash & uint32_t(capacity_ - 1));
   for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1)) {
     const Entry& entry = slots_[j];
-    if (entry.hash == hash && entry.length == length && entry.isSymbol == theIsSymbol &&
-        (length == 0 || __builtin_memcmp(entry.text, text, Sys::size_t(length) * sizeof(ZnUnichar)) == 0))
+    if (entry.hash != hash || entry.length != length || entry.isSymbol != theIsSymbol)
+      continue;
+    ZnIndex i = 0;
+    while (i < length && entry.text[i] == text[i]) // short texts: no call
+      ++i;
+    if (i == length)
       return retained(entry.atom).leak();
   }
   auto characters = adopt(new String(text, length));
