@@ -72,10 +72,8 @@ bool EndsOperand(int32_t theToken) {
   }
 }
 
-/// +1. A string holding the units of theText.
-String* CopyText(const MutableString* theText) {
-  return new String(theText->getCharactersPtr(), theText->length());
-}
+/// +1. An immutable copy of theText.
+String* CopyText(const MutableString* theText) { return static_cast<String*>(theText->copy()); }
 
 ParseValue Atom(Expr* theExpr) { return {theExpr, 0}; }
 
@@ -545,44 +543,41 @@ int32_t Lexer::scanBlank(Expr* thePatternName, ParseValue* theValue) {
   return KxFunction;
 }
 
+Expr* Lexer::scanIndex() {
+  // Digits (wrapping at 32 bits like every integer) or nothing, which means 1.
+  ZnUnichar c;
+  if (!get(&c))
+    return retained<Expr>(SharedOne()).leak();
+  if (!IsDigit(c)) {
+    unget(c);
+    return retained<Expr>(SharedOne()).leak();
+  }
+  uint32_t value = 0;
+  for (;;) {
+    value = value * 10 + uint32_t(c - '0');
+    if (!get(&c))
+      break;
+    if (!IsDigit(c)) {
+      unget(c);
+      break;
+    }
+  }
+  return new MachineInteger(int32_t(value));
+}
+
 int32_t Lexer::scanSlot(ParseValue* theValue) {
   Head kind = skip('#') ? Head::SlotSequence : Head::Slot;
-  Ref<Expr> number = retained<Expr>(SharedOne());
-  ZnUnichar c;
-  bool more = get(&c);
-  if (more && IsDigit(c)) {
-    uint32_t value = 0;
-    do
-      value = value * 10 + uint32_t(c - '0');
-    while ((more = get(&c)) && IsDigit(c));
-    number = adopt<Expr>(new MachineInteger(int32_t(value)));
-  }
-  if (more)
-    unget(c);
+  auto number = adopt(scanIndex());
   *theValue = {new Function(HeadSymbol(kind), number.get()), 1};
   return KxFunction;
 }
 
 int32_t Lexer::scanOut(ParseValue* theValue) {
-  Ref<Expr> number = retained<Expr>(SharedOne());
-  ZnUnichar c;
-  bool more = get(&c);
-  if (more && IsDigit(c)) {
-    uint32_t value = 0;
-    do
-      value = value * 10 + uint32_t(c - '0');
-    while ((more = get(&c)) && IsDigit(c));
-    number = adopt<Expr>(new MachineInteger(int32_t(value)));
-  } else if (more && c == '%') {
-    // %% is Out[-2], %%% Out[-3], ...
-    int32_t count = 1;
-    do
-      ++count;
-    while ((more = get(&c)) && c == '%');
-    number = adopt<Expr>(new MachineInteger(-count));
-  }
-  if (more)
-    unget(c);
+  // %% is Out[-2], %%% Out[-3], ...
+  int32_t count = 1;
+  while (skip('%'))
+    ++count;
+  auto number = adopt(count > 1 ? new MachineInteger(-count) : scanIndex());
   *theValue = {new Function(HeadSymbol(Head::Out), number.get()), 1};
   return KxFunction;
 }

@@ -102,6 +102,8 @@ private:
   int32_t scanSymbol(ZnUnichar theFirst, ParseValue* theValue);
   int32_t scanBlank(Expr* thePatternName, ParseValue* theValue);
   int32_t scanSlot(ParseValue* theValue);
+  /// +1. The number after "#" or "%": its digits, or 1 when there are none.
+  Expr* scanIndex();
   int32_t scanOut(ParseValue* theValue);
   int32_t scanNumber(ZnUnichar theFirst, ParseValue* theValue);
   int32_t scanString(ParseValue* theValue);
