@@ -849,7 +849,10 @@ bool Lexer::scanGroup(const char* theOpening, MutableString* theText, bool thePa
       return true;
     }
     if (c == '\n' || c == '\r') {
+      // Line ends are dropped, after a backslash too; CR LF counts once.
       ++tokenBreaks_;
+      if (c == '\r')
+        skip('\n');
       continue;
     }
     if (c != '\\') {
@@ -860,6 +863,8 @@ bool Lexer::scanGroup(const char* theOpening, MutableString* theText, bool thePa
       return false;
     if (c == '\n' || c == '\r') {
       ++tokenBreaks_;
+      if (c == '\r')
+        skip('\n');
       continue;
     }
     group_->appendCharacter('\\');

@@ -228,6 +228,9 @@ TEST_F(ExprParserTest, SyntaxErrorsAreReportedAtTheOffendingToken) {
       {"f[x,\n  y]]", "syntax error, unexpected ']'", "2:6-2:7 in (Memory Buffer)"},
       {"f[x", "syntax error, unexpected end of file", "1:4-1:4 in (Memory Buffer)"},
       {"{\"abc", "unterminated string", "1:2-1:6 in (Memory Buffer)"},
+      // A token that spans lines starts where it started, CR LF counting once.
+      {"{\"ab\r\ncd", "unterminated string", "1:2-2:4 in (Memory Buffer)"},
+      {"{\"\\(a\r\n\r\nb", "unterminated string", "1:2-3:3 in (Memory Buffer)"},
       {"x (* y", "unterminated comment", "1:3-1:7 in (Memory Buffer)"},
   };
   for (const ErrorCase& c : cases) {
