@@ -9,12 +9,15 @@
 #include "Zn/IO/ZnWriter.h"
 #include "Zn/Util/ZnUtil.h"
 
-using Zn::adopt;
-
 NotebookTextIndexer::NotebookTextIndexer(Zn::Stream* theStream) {
   ZnAssert(theStream, 0);
-  auto encoding = adopt(Zn::StringEncodingWithID(Zn::kStringEncodingUTF8));
-  writer_ = adopt(new Zn::StreamWriter(theStream, encoding.get()));
+  auto encoding = Zn::adopt(Zn::StringEncodingWithID(Zn::kStringEncodingUTF8));
+  writer_ = Zn::adopt(new Zn::StreamWriter(theStream, encoding.get()));
+}
+
+NotebookTextIndexer::NotebookTextIndexer(Zn::Writer* theWriter) {
+  ZnAssert(theWriter, 0);
+  writer_ = Zn::retained(theWriter);
 }
 
 const char* NotebookTextIndexer::className() const { return "NotebookTextIndexer"; }
@@ -72,7 +75,7 @@ bool convertStream(SearchIndexer* theIndexer, Zn::Stream* theStream) {
     // A refusal takes the same way out as a failure.
     throw new Zn::Exception(__FILE__, __LINE__, "%s", "");
   } catch (Zn::Exception* theException) {
-    auto exception = adopt(theException);
+    auto exception = Zn::adopt(theException);
     Zn::Log(Zn::kLogLevelError, "could not index file %@", theStream->getName());
     return false;
   }

@@ -10,6 +10,8 @@ class NotebookTextIndexer : public SearchIndexer {
 public:
   /// Writes to theStream, which must be writable.
   explicit NotebookTextIndexer(Zn::Stream* theStream);
+  /// Writes to theWriter, such as a string writer for the text of a box.
+  explicit NotebookTextIndexer(Zn::Writer* theWriter);
 
   void writeText(Zn::String* theText) override;
   void writeActionMenu(Zn::String* theLabel, Zn::Array* theItems, const IndexContext& theContext) override;
