@@ -658,9 +658,10 @@ Expr* SearchIndexer::parseEmbeddedBox(Expr* theText) {
 
 void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
   using namespace Vocabulary;
-  // A cell whose second argument is already an option has no style, like
-  // the formulas set inline in text.
-  if (theCell->length() < 2 || isRule(theCell->part(2))) {
+  // Only a cell without a second argument counts as unstyled; whatever
+  // stands second (even an option, as in formulas set inline in text) is
+  // taken as the style, and the cell ends with the separator.
+  if (theCell->length() < 2) {
     if (theCell->length() >= 1)
       indexBox(theCell->part(1), theContext);
     return;

@@ -75,7 +75,9 @@ TEST_F(SearchIndexerTest, CallsTheHooksARendererOverrides) {
     StyleDefinitions->"Default.nb", Evaluator->"Remote"])nb"));
   const std::vector<std::string> expected = {
       "size 640x480", "title Window", "kind Palette", "styles \"Default.nb\"", "evaluator Remote",
-      "cell Title",   "title Report", "cell Text",    "option intro",      "evaluator Local"};
+      "cell Title",   "title Report", "cell Text",    "option intro",      "evaluator Local",
+      // Whatever stands second in a cell is its style, even an option.
+      "cell FontSize -> 12"};
   EXPECT_EQ(indexer->calls, expected);
   EXPECT_EQ(indexer->getStyleDataCount(), 1);
 
