@@ -10,6 +10,7 @@
 //===----------------------------------------------------------------------===//
 #include <cstdio>
 #include <cstring>
+#include "NotebookHTMLIndexer.h"
 #include "NotebookTextIndexer.h"
 #include "Zn/Base/ZnMemory.h"
 #include "Zn/IO/ZnFileStream.h"
@@ -51,10 +52,10 @@ int main(int argc, char** argv) {
   Zn::Ref<SearchIndexer> indexer;
   {
     auto output = adopt(Zn::FilePointerStream::createStandardOutput());
-    // The HTML renderer is not part of this build yet; it reads the same
-    // options, and until it comes the text renderer serves.
-    (void)html;
-    indexer = adopt<SearchIndexer>(new NotebookTextIndexer(output.get()));
+    if (html)
+      indexer = adopt<SearchIndexer>(new NotebookHTMLIndexer(output.get()));
+    else
+      indexer = adopt<SearchIndexer>(new NotebookTextIndexer(output.get()));
   }
   indexer->setIndent(indent);
 

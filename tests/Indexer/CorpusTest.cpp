@@ -4,6 +4,8 @@
 #include <sstream>
 #include <unistd.h>
 #include "Indexer/NbtextRunner.h"
+#include "Kx/KxSymbol.h"
+#include "NotebookHTMLIndexer.h"
 #include "NotebookTextIndexer.h"
 #include "Support/ZnTestSupport.h"
 #include "Zn/IO/ZnFileStream.h"
@@ -43,12 +45,9 @@ bool CorpusIsPresent() {
 
 class CorpusTest : public ZnTest::LeakCheckedTest {};
 
-TEST_F(CorpusTest, EveryNotebookConverts) {
-  if (!CorpusIsPresent())
-    GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
-  auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
-  // One indexer for the whole corpus, as the driver feeds a run's files.
-  auto indexer = adopt<SearchIndexer>(new NotebookTextIndexer(sink.get()));
+/// Feeds every notebook that is not refused to one renderer, as the driver
+/// feeds a run's files.
+void ConvertEveryNotebook(SearchIndexer* theIndexer) {
   int converted = 0;
   for (const CorpusFile& file : ReadManifest()) {
     if (file.era == "ancient")
@@ -56,10 +55,35 @@ TEST_F(CorpusTest, EveryNotebookConverts) {
     std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
     auto input = adopt(Zn::FilePointerStream::createForReading(path.c_str()));
     ASSERT_TRUE(input) << path;
-    EXPECT_TRUE(convertStream(indexer.get(), input.get())) << file.name;
+    EXPECT_TRUE(convertStream(theIndexer, input.get())) << file.name;
     ++converted;
   }
   EXPECT_EQ(converted, 81);
+}
+
+TEST_F(CorpusTest, EveryNotebookConverts) {
+  if (!CorpusIsPresent())
+    GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
+  auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
+  ConvertEveryNotebook(adopt<SearchIndexer>(new NotebookTextIndexer(sink.get())).get());
+}
+
+class HTMLCorpusTest : public CorpusTest {
+protected:
+  // The mark-up of input code makes its shared pieces on first use; make
+  // them before any test counts the live objects.
+  static void SetUpTestSuite() {
+    auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
+    auto indexer = adopt(new NotebookHTMLIndexer(sink.get()));
+    adopt(indexer->decorateBox(adopt(new Zn::Kx::Symbol("x")).get(), true));
+  }
+};
+
+TEST_F(HTMLCorpusTest, EveryNotebookConvertsToHTML) {
+  if (!CorpusIsPresent())
+    GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
+  auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
+  ConvertEveryNotebook(adopt<SearchIndexer>(new NotebookHTMLIndexer(sink.get())).get());
 }
 
 TEST(CorpusRefusalTest, AncientNotebooksAreRefused) {

@@ -1,0 +1,519 @@
+//===- NotebookHTMLIndexer.cpp - Renders a notebook as one HTML page ------===//
+#include "NotebookHTMLIndexer.h"
+#include "IndexerVocabulary.h"
+#include "Kx/KxEncoding.h"
+#include "Kx/KxNumber.h"
+#include "Kx/KxString.h"
+#include "Kx/KxSymbol.h"
+#include "Zn/Base/ZnString.h"
+#include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/Collection/ZnArray.h"
+#include "Zn/IO/ZnWriter.h"
+#include <cstdarg>
+
+using Zn::adopt;
+using Zn::retained;
+using Zn::Kx::Expr;
+using Zn::Kx::Head;
+using Zn::Kx::HeadSymbol;
+
+namespace {
+
+//===--- Expression helpers ---------------------------------------------===//
+
+bool isHead(const Expr* theExpr, Head theHead) {
+  return theExpr && !theExpr->isAtom() && theExpr->head()->isEqual(HeadSymbol(theHead));
+}
+
+bool isList(const Expr* theExpr) { return isHead(theExpr, Head::List); }
+
+bool isNumber(const Expr* theExpr) { return dynamic_cast<const Zn::Kx::Number*>(theExpr) != nullptr; }
+
+/// The name of a symbol atom, or null. Borrowed.
+Zn::String* symbolName(const Expr* theExpr) {
+  auto symbol = dynamic_cast<const Zn::Kx::Symbol*>(theExpr);
+  return symbol ? symbol->getName() : nullptr;
+}
+
+/// The text of a string atom, or null. Borrowed.
+Zn::String* stringText(const Expr* theExpr) {
+  auto string = dynamic_cast<const Zn::Kx::CharacterString*>(theExpr);
+  return string ? string->getValue() : nullptr;
+}
+
+bool isNamed(const Zn::String* theName, const char* theASCII) {
+  return theName && theName->compareToCString(theASCII, true) == 0;
+}
+
+bool isWord(const Zn::String* theText, const char* theASCII) {
+  return theText && theText->compareToCString(theASCII, false) == 0;
+}
+
+/// Rule[name, value] whose name is the symbol theName: the options that
+/// this renderer reads from cells and graphics.
+bool isRuleFor(const Expr* theExpr, const char* theName) {
+  return isHead(theExpr, Head::Rule) && theExpr->length() == 2 && isNamed(symbolName(theExpr->part(1)), theName);
+}
+
+int32_t roundHalfAwayFromZero(double theValue) {
+  return Zn::Kx::TruncateToInt32(theValue < 0 ? theValue - 0.5 : theValue + 0.5);
+}
+
+/// 0 to 255 from a colour component 0 to 1, cut toward zero and not clamped.
+int colourByte(double theComponent) { return int(Zn::Kx::TruncateToInt32(theComponent * 255.0)); }
+
+//===--- Cell margins -----------------------------------------------------===//
+
+struct Margins {
+  double left = 0, right = 0, bottom = 0, top = 0;
+};
+
+/// One side pair: a number for both, or a list of two numbers.
+void readMarginPair(const Expr* theItem, double& theFirst, double& theSecond) {
+  if (isNumber(theItem)) {
+    theFirst = theSecond = theItem->doubleValue();
+    return;
+  }
+  if (isList(theItem) && theItem->length() == 2 && isNumber(theItem->part(1)) && isNumber(theItem->part(2))) {
+    theFirst = theItem->part(1)->doubleValue();
+    theSecond = theItem->part(2)->doubleValue();
+  }
+}
+
+/// A number for all four sides, or {{left, right}, {bottom, top}};
+/// anything else leaves every side at 0.
+Margins readMargins(const Expr* theValue) {
+  Margins margins;
+  if (isNumber(theValue)) {
+    margins.left = margins.right = margins.bottom = margins.top = theValue->doubleValue();
+  } else if (isList(theValue) && theValue->length() == 2) {
+    readMarginPair(theValue->part(1), margins.left, margins.right);
+    readMarginPair(theValue->part(2), margins.bottom, margins.top);
+  }
+  return margins;
+}
+
+void appendMargins(Zn::MutableString* theStyle, const Margins& theMargins) {
+  const Margins& m = theMargins;
+  if (m.left == m.right && m.left == m.bottom && m.left == m.top) {
+    theStyle->appendFormat("margin: %ldpx;", long(roundHalfAwayFromZero(m.left)));
+    return;
+  }
+  theStyle->appendFormat("margin-left: %ldpx; margin-right: %ldpx; margin-bottom: %ldpx; margin-top: %ldpx;",
+                         long(roundHalfAwayFromZero(m.left)), long(roundHalfAwayFromZero(m.right)),
+                         long(roundHalfAwayFromZero(m.bottom)), long(roundHalfAwayFromZero(m.top)));
+}
+
+//===--- Grid spans ---------------------------------------------------------===//
+
+enum : ZnUnichar { kSpanFromLeft = 0xF3BA, kSpanFromAbove = 0xF3BB, kSpanFromBoth = 0xF3BC };
+
+/// The span character a grid item stands for, or 0 for an ordinary item.
+ZnUnichar spanCharacter(const Expr* theItem) {
+  Zn::String* text = stringText(theItem);
+  if (!text || text->length() != 1)
+    return 0;
+  ZnUnichar c = text->characterAtIndex(0);
+  return c == kSpanFromLeft || c == kSpanFromAbove || c == kSpanFromBoth ? c : 0;
+}
+
+/// The same for item theColumn of theRow; a place outside the row is no span.
+ZnUnichar spanCharacterAt(const Expr* theRow, ZnIndex theColumn) {
+  if (!isList(theRow) || theColumn > theRow->length())
+    return 0;
+  return spanCharacter(theRow->part(theColumn));
+}
+
+//===--- The text renderer behind stringForBox ---------------------------===//
+
+/// Renders labels and option values as plain text. It names characters as
+/// the page does, so that a label reads the same as the text around it, and
+/// its own writer is a string: nothing it does can reach the page.
+class LabelRenderer final : public NotebookTextIndexer {
+public:
+  explicit LabelRenderer(Zn::Kx::Encoding* theEncoding)
+      : NotebookTextIndexer(adopt<Zn::Writer>(new Zn::StringWriter()).get()) {
+    characterEncoding_ = retained(theEncoding);
+  }
+};
+} // namespace
+
+//===--- Life cycle ---------------------------------------------------------===//
+
+NotebookHTMLIndexer::NotebookHTMLIndexer(Zn::Stream* theStream, Zn::StringEncoding* theEncoding)
+    : NotebookTextIndexer(theStream), htmlEncoding_(adopt(new Zn::HTMLEncoding(theEncoding))),
+      styleDefinitions_(adopt<Zn::Object>(new Zn::String("Default.nb"))) {
+  writer_ = adopt<Zn::Writer>(new Zn::StreamWriter(theStream, htmlEncoding_.get()));
+  characterEncoding_ = adopt(new Zn::Kx::Encoding(Zn::Kx::Encoding::kHTMLFlags));
+  textRenderer_ = adopt<NotebookTextIndexer>(new LabelRenderer(characterEncoding_.get()));
+}
+
+NotebookHTMLIndexer::~NotebookHTMLIndexer() = default;
+
+const char* NotebookHTMLIndexer::className() const { return "NotebookHTMLIndexer"; }
+const char* NotebookHTMLIndexer::superclassName() const { return "NotebookTextIndexer"; }
+
+//===--- Markup -------------------------------------------------------------===//
+
+void NotebookHTMLIndexer::writeMarkup(Zn::Writer* theWriter, const char* theMarkup) {
+  htmlEncoding_->setRaw(true);
+  theWriter->putBytes(theMarkup);
+  htmlEncoding_->setRaw(false);
+}
+
+void NotebookHTMLIndexer::writeMarkupFormat(Zn::Writer* theWriter, const char* theFormat, ...) {
+  va_list args;
+  va_start(args, theFormat);
+  htmlEncoding_->setRaw(true);
+  theWriter->putFormatV(theFormat, args);
+  htmlEncoding_->setRaw(false);
+  va_end(args);
+}
+
+//===--- Walk -----------------------------------------------------------------===//
+
+void NotebookHTMLIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
+  // Comments, strings and local variables of input code come back as style
+  // boxes, which become coloured spans.
+  auto decorated = adopt(decorateBox(theBox, false));
+  NotebookTextIndexer::indexBox(decorated.get(), theContext);
+}
+
+Zn::String* NotebookHTMLIndexer::stringForBox(Expr* theBox, const IndexContext& theContext) {
+  // Labels and option values end up inside attributes or are compared as
+  // words, so they are rendered without any markup.
+  textRenderer_->setIndent(getIndent());
+  return textRenderer_->stringForBox(theBox, theContext);
+}
+
+//===--- Document and cells ------------------------------------------------===//
+
+void NotebookHTMLIndexer::beginDocument(Expr*) {
+  Zn::Writer* writer = writer_.get();
+  writeMarkup(writer, "<html>\n<head>\n"
+                      "<style type=\"text/css\">\n"
+                      "body { font-family: Times, serif; font-size: 12px; }\n"
+                      "div { padding: 4px; }\n"
+                      "form { display: inline; }\n"
+                      "table { display: inline; }\n");
+  if (styleDefinitions_) {
+    if (auto css = adopt(styleSheetText(styleDefinitions_.get()))) {
+      htmlEncoding_->setRaw(true);
+      writer->putString(css.get());
+      htmlEncoding_->setRaw(false);
+    }
+  }
+  writeMarkup(writer, "\n</style>\n</head>\n<body>\n<form action=\"javascript:null\">\n");
+}
+
+void NotebookHTMLIndexer::endDocument(Expr*) { writeMarkup(writer_.get(), "\n</form>\n</body>\n</html>\n"); }
+
+void NotebookHTMLIndexer::beginCell(Expr* theCell, const IndexContext& theContext) {
+  auto style = adopt(new Zn::MutableString());
+  for (ZnIndex i = 2; i <= theCell->length(); ++i) {
+    Expr* option = theCell->part(i);
+    if (isRuleFor(option, "ImageMargins") || isRuleFor(option, "CellMargins"))
+      appendMargins(style.get(), readMargins(option->part(2)));
+  }
+  Zn::Writer* writer = theContext.writer.get();
+  // The class is the style name as it stands: style names are identifiers.
+  auto none = adopt(new Zn::String());
+  writeMarkupFormat(writer, "\n<div class=\"%@\"", theContext.cellStyle ? theContext.cellStyle.get() : none.get());
+  if (style->length() > 0)
+    writeMarkupFormat(writer, " style=\"%@\"", style.get());
+  writeMarkup(writer, ">");
+}
+
+void NotebookHTMLIndexer::endCell(Expr*, const IndexContext& theContext) {
+  writeMarkup(theContext.writer.get(), "</div>");
+}
+
+void NotebookHTMLIndexer::writeCellSeparator(const IndexContext&) {}
+
+void NotebookHTMLIndexer::setStyleDefinitions(Expr* theValue) { styleDefinitions_ = retained<Zn::Object>(theValue); }
+
+Zn::String* NotebookHTMLIndexer::styleSheetText(Zn::Object*) { return nullptr; }
+
+//===--- Graphics -----------------------------------------------------------===//
+
+void NotebookHTMLIndexer::writeGraphicsPlaceholder(Expr* theBox, ZnIndex theFirstOption,
+                                                   const IndexContext& theContext) {
+  int32_t width = 320;
+  int32_t height = 240;
+  for (ZnIndex i = theFirstOption; i <= theBox->length(); ++i) {
+    Expr* option = theBox->part(i);
+    if (!isRuleFor(option, "ImageSize"))
+      continue;
+    Expr* size = option->part(2);
+    Zn::String* name = symbolName(size);
+    if (isNumber(size)) {
+      width = height = size->integerValue();
+    } else if (isList(size) && size->length() == 2) {
+      width = size->part(1)->integerValue();
+      height = size->part(2)->integerValue();
+    } else if (isNamed(name, "Tiny")) {
+      width = 100, height = 58;
+    } else if (isNamed(name, "Small")) {
+      width = 180, height = 106;
+    } else if (isNamed(name, "Medium")) {
+      width = 360, height = 215;
+    } else if (isNamed(name, "Large")) {
+      width = 576, height = 349;
+    }
+  }
+  // "bgcolor" without "=" is what this page has always carried.
+  writeMarkupFormat(theContext.writer.get(),
+                    "<table width=\"%d\" height=\"%d\" bgcolor\"#EEEEEE\" border=\"1\"><tr>"
+                    "<td align=\"center\">-Graphics-</td></tr></table>",
+                    int(width), int(height));
+}
+
+void NotebookHTMLIndexer::indexGraphicsBox(Expr* theBox, const IndexContext& theContext) {
+  writeGraphicsPlaceholder(theBox, 2, theContext);
+}
+
+void NotebookHTMLIndexer::indexGraphicsData(Expr* theBox, const IndexContext& theContext) {
+  writeGraphicsPlaceholder(theBox, 3, theContext);
+}
+
+//===--- Style boxes ----------------------------------------------------------===//
+
+void NotebookHTMLIndexer::indexStyleBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  IndexContext context = theContext;
+  bool showSet = false;
+  for (ZnIndex i = 2; i <= theBox->length(); ++i) {
+    Expr* option = theBox->part(i);
+    if (showSet || !(isHead(option, Head::Rule) || isHead(option, Head::RuleDelayed)) || option->length() != 2 ||
+        !Vocabulary::ShowStringCharacters.matches(option->part(1)))
+      continue;
+    if (Vocabulary::True.matches(option->part(2)) || Vocabulary::False.matches(option->part(2))) {
+      context.showStringCharacters = Vocabulary::True.matches(option->part(2));
+      showSet = true;
+    }
+  }
+  if (theBox->length() == 1)
+    return indexBox(theBox->part(1), context);
+
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "<span style=\"");
+  for (ZnIndex i = 2; i <= theBox->length(); ++i) {
+    Expr* element = theBox->part(i);
+    if (isHead(element, Head::Rule) && element->length() == 2 && symbolName(element->part(1))) {
+      writeStyleOption(symbolName(element->part(1)), element->part(2), theContext);
+    } else if (isNumber(element)) {
+      writeMarkupFormat(writer, "font-size:%ldpx;", long(element->integerValue()));
+    } else {
+      // A style name or a bare font word.
+      Zn::String* text = stringText(element);
+      if (!text)
+        text = symbolName(element);
+      if (isWord(text, "Bold"))
+        writeMarkup(writer, "font-weight:bold;");
+      else if (isWord(text, "Italic"))
+        writeMarkup(writer, "font-style:italic;");
+    }
+  }
+  writeMarkup(writer, "\">");
+  indexBox(theBox->part(1), context);
+  writeMarkup(writer, "</span>");
+}
+
+void NotebookHTMLIndexer::writeStyleOption(Zn::String* theName, Expr* theValue, const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  if (isNamed(theName, "FontColor")) {
+    if (Vocabulary::RGBColor.isHeadOf(theValue) && theValue->length() >= 3) {
+      writeMarkupFormat(writer, "color: #%02X%02X%02X;", colourByte(theValue->part(1)->doubleValue()),
+                        colourByte(theValue->part(2)->doubleValue()), colourByte(theValue->part(3)->doubleValue()));
+    } else if (Vocabulary::GrayLevel.isHeadOf(theValue) && theValue->length() >= 1) {
+      int level = colourByte(theValue->part(1)->doubleValue());
+      writeMarkupFormat(writer, "color: #%02X%02X%02X;", level, level, level);
+    }
+    return;
+  }
+  const bool family = isNamed(theName, "FontFamily");
+  const bool size = isNamed(theName, "FontSize");
+  const bool weight = isNamed(theName, "FontWeight");
+  const bool slant = isNamed(theName, "FontSlant");
+  if (!family && !size && !weight && !slant)
+    return;
+  auto text = adopt(stringForBox(theValue, theContext));
+  if (family) {
+    // The value is notebook text inside an attribute: escaped like all content.
+    writeMarkup(writer, "font-family: '");
+    writer->putString(text.get());
+    writeMarkup(writer, "';");
+  } else if (size) {
+    double points = 0;
+    if (text->doubleValue(&points, 10)) {
+      writeMarkupFormat(writer, "font-size:%ld;", long(roundHalfAwayFromZero(points)));
+      return;
+    }
+    writeMarkup(writer, "font-size:");
+    writer->putString(adopt(text->lowercaseString()).get());
+    writeMarkup(writer, ";");
+  } else if (weight) {
+    if (isWord(text.get(), "Plain"))
+      writeMarkup(writer, "font-weight:normal;");
+    else if (isWord(text.get(), "Bold"))
+      writeMarkup(writer, "font-weight:bold;");
+  } else if (isWord(text.get(), "Plain")) {
+    // The transposed letters are part of the page as it has always been written.
+    writeMarkup(writer, "font-stlye:normal;");
+  } else if (isWord(text.get(), "Italic")) {
+    writeMarkup(writer, "font-style:italic;");
+  }
+}
+
+//===--- Controls -----------------------------------------------------------===//
+
+void NotebookHTMLIndexer::writeActionMenu(Zn::String* theLabel, Zn::Array* theItems, const IndexContext& theContext) {
+  // The label is the menu's first, chosen entry; the actions follow it.
+  auto entries = adopt(new Zn::MutableArray());
+  auto none = adopt(new Zn::String());
+  entries->addObject(theLabel ? theLabel : none.get());
+  for (ZnIndex i = 0; i < theItems->getCount(); ++i)
+    entries->addObject(theItems->objectAtIndex(i));
+  writePopupMenu(entries.get(), 0, theContext);
+}
+
+void NotebookHTMLIndexer::writeHyperlink(Zn::String* theLabel, Zn::String* theURL, const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "<a href=\"");
+  writer->putString(theURL);
+  writeMarkup(writer, "\">");
+  writer->putString(theLabel);
+  writeMarkup(writer, "</a>");
+}
+
+void NotebookHTMLIndexer::writeButton(Zn::String* theLabel, const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "<input type=\"button\" value=\"");
+  writer->putString(theLabel);
+  writeMarkup(writer, "\"/>");
+}
+
+void NotebookHTMLIndexer::writeCheckbox(int32_t theState, const IndexContext& theContext) {
+  writeMarkup(theContext.writer.get(),
+              theState == 0 ? "<input type=\"checkbox\"/>" : "<input type=\"checkbox\" checked=\"1\"/>");
+}
+
+void NotebookHTMLIndexer::writeRadioButton(int32_t theState, const IndexContext& theContext) {
+  writeMarkup(theContext.writer.get(),
+              theState == 0 ? "<input type=\"radio\"/>" : "<input type=\"radio\" checked=\"1\"/>");
+}
+
+void NotebookHTMLIndexer::writeInputField(Zn::String* theValue, const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "<input type=\"text\" value=\"");
+  writer->putString(theValue);
+  writeMarkup(writer, "\"/>");
+}
+
+void NotebookHTMLIndexer::writePopupMenu(Zn::Array* theItems, int32_t theSelected, const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "<select>");
+  for (ZnIndex i = 0; i < theItems->getCount(); ++i) {
+    writeMarkup(writer, i == theSelected ? "<option selected=\"selected\">" : "<option>");
+    writer->putString(static_cast<Zn::String*>(theItems->objectAtIndex(i)));
+    writeMarkup(writer, "</option>");
+  }
+  writeMarkup(writer, "</select>");
+}
+
+void NotebookHTMLIndexer::indexSetterBox(Expr* theBox, const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "<input type=\"button\" value=\"");
+  Expr* label = theBox->length() > 2 ? theBox->part(3) : theBox->length() == 2 ? theBox->part(2) : nullptr;
+  if (label) {
+    // Rendered by this renderer, so any markup of its own goes into the
+    // attribute escaped along with the text.
+    auto text = adopt(SearchIndexer::stringForBox(label, theContext));
+    writer->putString(text.get());
+  }
+  writeMarkup(writer, "\"/>");
+}
+
+void NotebookHTMLIndexer::indexPanelBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1)
+    return;
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "<table bgcolor=\"#EEEEEE\" style=\"display:inline;border:1px solid;margin:2px;padding:4px;\">"
+                      "<tr><td>");
+  indexBox(theBox->part(1), theContext);
+  writeMarkup(writer, "</td></tr></table>");
+}
+
+//===--- Scripts, grids and tab views --------------------------------------===//
+
+void NotebookHTMLIndexer::writeSubscript(Expr* theScript, const IndexContext& theContext) {
+  writeMarkup(theContext.writer.get(), "<sub>");
+  indexBox(theScript, theContext);
+  writeMarkup(theContext.writer.get(), "</sub>");
+}
+
+void NotebookHTMLIndexer::writeSuperscript(Expr* theScript, const IndexContext& theContext) {
+  writeMarkup(theContext.writer.get(), "<sup>");
+  indexBox(theScript, theContext);
+  writeMarkup(theContext.writer.get(), "</sup>");
+}
+
+void NotebookHTMLIndexer::indexGridBox(Expr* theBox, const IndexContext& theContext) {
+  if (theBox->length() < 1 || !isList(theBox->part(1)))
+    return;
+  Expr* rows = theBox->part(1);
+  const ZnIndex rowCount = rows->length();
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "<table border=\"1\">\n");
+  for (ZnIndex i = 1; i <= rowCount; ++i) {
+    writeMarkup(writer, "<tr>");
+    Expr* row = rows->part(i);
+    const ZnIndex columnCount = isList(row) ? row->length() : 0;
+    for (ZnIndex j = 1; j <= columnCount; ++j) {
+      Expr* item = row->part(j);
+      // A span character is covered by the cell that spans over it.
+      if (spanCharacter(item))
+        continue;
+      int32_t rowSpan = 1;
+      for (ZnIndex r = i + 1; r <= rowCount; ++r, ++rowSpan) {
+        ZnUnichar c = spanCharacterAt(rows->part(r), j);
+        if (c != kSpanFromAbove && c != kSpanFromBoth)
+          break;
+      }
+      int32_t columnSpan = 1;
+      for (ZnIndex c = j + 1; c <= columnCount; ++c, ++columnSpan) {
+        ZnUnichar s = spanCharacter(row->part(c));
+        if (s != kSpanFromLeft && s != kSpanFromBoth)
+          break;
+      }
+      writeMarkup(writer, "<td");
+      if (rowSpan > 1)
+        writeMarkupFormat(writer, " rowSpan=\"%d\"", int(rowSpan));
+      if (columnSpan > 1)
+        writeMarkupFormat(writer, " colSpan=\"%d\"", int(columnSpan));
+      writeMarkup(writer, ">");
+      indexBox(item, theContext);
+      writeMarkup(writer, "</td>");
+    }
+    writeMarkup(writer, "</tr>");
+  }
+  writeMarkup(writer, "</table>\n");
+}
+
+void NotebookHTMLIndexer::writeTabView(Zn::Array* theLabels, Zn::Array* theContents, int32_t theSelected,
+                                       const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  writeMarkup(writer, "\n<table bgcolor=\"#EEEEEE\" style=\"border:1px solid;\"><tr>\n");
+  for (ZnIndex i = 0; i < theLabels->getCount(); ++i) {
+    writeMarkup(writer, i == theSelected ? "<td style=\"border:1px solid;\" bgcolor=\"#7799FF\">"
+                                         : "<td style=\"border:1px solid;\">");
+    indexBox(static_cast<Expr*>(theLabels->objectAtIndex(i)), theContext);
+    writeMarkup(writer, "</td>\n");
+  }
+  writeMarkupFormat(writer, "</tr><tr><td style=\"border:1px solid;\" colspan=\"%d\">\n", int(theLabels->getCount()));
+  // A tab view without tabs has no pane to show; it must not end the run.
+  if (theSelected >= 0 && theSelected < theContents->getCount())
+    indexBox(static_cast<Expr*>(theContents->objectAtIndex(theSelected)), theContext);
+  writeMarkup(writer, "\n</td></tr></table>\n");
+}

@@ -1,0 +1,192 @@
+//===- NotebookHtmlIndexerTest.cpp - HTML output of nbtext -html, byte for byte ===//
+#include <gtest/gtest.h>
+#include "Indexer/NbtextRunner.h"
+
+namespace {
+using NbtextTest::ConvertNotebook;
+
+const std::string kPageHead = "<html>\n<head>\n"
+                              "<style type=\"text/css\">\n"
+                              "body { font-family: Times, serif; font-size: 12px; }\n"
+                              "div { padding: 4px; }\n"
+                              "form { display: inline; }\n"
+                              "table { display: inline; }\n"
+                              "\n</style>\n</head>\n<body>\n<form action=\"javascript:null\">\n";
+const std::string kPageTail = "\n</form>\n</body>\n</html>\n";
+
+std::string Page(const std::string& theBody) { return kPageHead + theBody + kPageTail; }
+
+struct Golden {
+  const char* name;
+  const char* notebook; // the cells, inside Notebook[{...}]
+  const char* body;     // the page between its fixed head and tail
+};
+
+void PrintTo(const Golden& theCase, std::ostream* theStream) { *theStream << theCase.name; }
+
+const Golden kGoldens[] = {
+    // Cells and their margins.
+    {"EmptyNotebook", "", ""},
+    {"CellWithoutStyleIsNoDiv", R"nb(Cell["bare"])nb", "bare"},
+    {"CellWithoutMarginsHasNoStyle", R"nb(Cell["text", "Text"], Cell["more", "Text"])nb",
+     "\n<div class=\"Text\">text</div>\n<div class=\"Text\">more</div>"},
+    {"CellGroupWritesItsCells", R"nb(Cell[CellGroupData[{Cell["A", "Section"], Cell["b", "Text"]}, Closed]])nb",
+     "\n<div class=\"Section\">A</div>\n<div class=\"Text\">b</div>"},
+    {"OneMarginForAllSides", R"nb(Cell["m", "Text", CellMargins->10])nb",
+     "\n<div class=\"Text\" style=\"margin: 10px;\">m</div>"},
+    {"FourMargins", R"nb(Cell["m", "Text", CellMargins->{{10, 20}, {5, 5}}])nb",
+     "\n<div class=\"Text\" style=\"margin-left: 10px; margin-right: 20px; margin-bottom: 5px; margin-top: 5px;\">m</div>"},
+    {"MarginPairFromOneNumber", R"nb(Cell["m", "Text", CellMargins->{4, {1, 2}}])nb",
+     "\n<div class=\"Text\" style=\"margin-left: 4px; margin-right: 4px; margin-bottom: 1px; margin-top: 2px;\">m</div>"},
+    {"MarginsRoundHalfAwayFromZero",
+     R"nb(Cell["a", "Text", CellMargins->2.5], Cell["b", "Text", CellMargins->-2.5], Cell["c", "Text", CellMargins->{{0.4, -0.5}, {1.5, 2.49}}])nb",
+     "\n<div class=\"Text\" style=\"margin: 3px;\">a</div>\n<div class=\"Text\" style=\"margin: -3px;\">b</div>"
+     "\n<div class=\"Text\" style=\"margin-left: 0px; margin-right: -1px; margin-bottom: 2px; margin-top: 2px;\">c</div>"},
+    {"BothMarginOptionsFollowEachOther",
+     R"nb(Cell["m", "Text", ImageMargins->1, FontSize->9, CellMargins->{{1, 2}, {3, 4}}])nb",
+     "\n<div class=\"Text\" style=\"margin: 1px;margin-left: 1px; margin-right: 2px; margin-bottom: 3px; margin-top: 4px;\">m</div>"},
+    {"UnreadableMarginsAreZero",
+     R"nb(Cell["a", "Text", CellMargins->Automatic], Cell["b", "Text", CellMargins->{{Inherited, 4}, {1, 1}}])nb",
+     "\n<div class=\"Text\" style=\"margin: 0px;\">a</div>"
+     "\n<div class=\"Text\" style=\"margin-left: 0px; margin-right: 0px; margin-bottom: 1px; margin-top: 1px;\">b</div>"},
+    // Content is escaped, markup is not.
+    {"MarkupCharactersInTextAreEscaped", "Cell[\"a & b < c > \\\"q\\\" 'x'\tt\", \"Text\"]",
+     "\n<div class=\"Text\">a &amp; b &lt; c &gt; &quot;q&quot; &apos;x&apos;&#160;&#160;&#160;&#160;t</div>"},
+    {"LineBreaksInTextBecomeBreaks", R"nb(Cell["one\ntwo", "Text"])nb", "\n<div class=\"Text\">one<br/>\ntwo</div>"},
+    {"IndentationAfterABreakIsEscaped",
+     R"nb(Cell[BoxData[RowBox[{"f", "[", "\[IndentingNewLine]", "x", "\[IndentingNewLine]", "]"}]], "Output"])nb",
+     "\n<div class=\"Output\">f[<br/>\n&#160;&#160;&#160;&#160;x<br/>\n]</div>"},
+    {"GreekLettersAreCharacters", R"nb(Cell["\[Alpha]\[Beta] \[Rule] caf\[EAcute]", "Text"])nb",
+     "\n<div class=\"Text\">\xCE\xB1\xCE\xB2 -&gt; caf\xC3\xA9</div>"},
+    {"BoxGroupInsideAStringIsRendered", R"nb(Cell["x \!\(a\^2\) y", "Text"])nb",
+     "\n<div class=\"Text\">x a<sup>2</sup> y</div>"},
+    {"QuotesOnlyWhereStringCharactersShow",
+     R"nb(Cell[BoxData[RowBox[{StyleBox["\"q\"", ShowStringCharacters->False], StyleBox["\"r\"", ShowStringCharacters->True], CheckboxBox[True], "\"s\""}]], "Output"])nb",
+     "\n<div class=\"Output\"><span style=\"\">q</span><span style=\"\">&quot;r&quot;</span>"
+     "<input type=\"checkbox\" checked=\"1\"/>&quot;s&quot;</div>"},
+    // Graphics.
+    {"GraphicsPlaceholderHasADefaultSize",
+     R"nb(Cell[BoxData[GraphicsBox[{LineBox[{{0, 0}, {1, 1}}]}, PlotLabel->"hidden"]], "Output"])nb",
+     "\n<div class=\"Output\"><table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr>"
+     "<td align=\"center\">-Graphics-</td></tr></table></div>"},
+    {"NamedImageSizes",
+     R"nb(Cell[BoxData[RowBox[{GraphicsBox[{}, ImageSize->Tiny], GraphicsBox[{}, ImageSize->Small], Graphics3DBox[{}, ImageSize->Medium], GraphicsBox[{}, ImageSize->Large], GraphicsBox[{}, ImageSize->Huge]}]]])nb",
+     "<table width=\"100\" height=\"58\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
+     "<table width=\"180\" height=\"106\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
+     "<table width=\"360\" height=\"215\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
+     "<table width=\"576\" height=\"349\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
+     "<table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"},
+    {"NumericImageSizesAndTheLastOneWins",
+     R"nb(Cell[BoxData[RowBox[{GraphicsBox[{}, ImageSize->{400, 300}], GraphicsBox[{}, ImageSize->Small, ImageSize->200.7], GraphicsData["PostScript", "%!", ImageSize->{50, 60}]}]]])nb",
+     "<table width=\"400\" height=\"300\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
+     "<table width=\"200\" height=\"200\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
+     "<table width=\"50\" height=\"60\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"},
+    // Style boxes.
+    {"UprightSlantKeepsItsSpelling", R"nb(Cell[BoxData[StyleBox["x", FontSlant->"Plain"]]])nb",
+     "<span style=\"font-stlye:normal;\">x</span>"},
+    {"NumberAndBareWords", R"nb(Cell[BoxData[StyleBox["x", 14, Bold, "ITALIC", "Section"]]])nb",
+     "<span style=\"font-size:14px;font-weight:bold;font-style:italic;\">x</span>"},
+    {"FontColors",
+     R"nb(Cell[BoxData[RowBox[{StyleBox["r", FontColor->RGBColor[1, 0, 0.5]], StyleBox["g", FontColor->GrayLevel[0.5]], StyleBox["h", FontColor->Hue[0.5]]}]]])nb",
+     "<span style=\"color: #FF007F;\">r</span><span style=\"color: #7F7F7F;\">g</span><span style=\"\">h</span>"},
+    {"FontSizeOptionHasNoUnit",
+     R"nb(Cell[BoxData[RowBox[{StyleBox["a", FontSize->Large], StyleBox["b", FontSize->12.5]}]]])nb",
+     "<span style=\"font-size:large;\">a</span><span style=\"font-size:13;\">b</span>"},
+    {"FontFamilyWeightAndSlant",
+     R"nb(Cell[BoxData[StyleBox["x", FontFamily->"Courier", FontWeight->"Plain", FontWeight->"bold", FontSlant->"Italic", Background->GrayLevel[0.9]]]])nb",
+     "<span style=\"font-family: 'Courier';font-weight:normal;font-weight:bold;font-style:italic;\">x</span>"},
+    {"FontFamilyIsEscaped", R"nb(Cell[BoxData[StyleBox["x", FontFamily->"A&B\">"]]])nb",
+     "<span style=\"font-family: 'A&amp;B&quot;&gt;';\">x</span>"},
+    {"StyleBoxContentIsEscaped", R"nb(Cell[BoxData[RowBox[{StyleBox["<b>"], StyleBox["&", "Text"]}]]])nb",
+     "&lt;b&gt;<span style=\"\">&amp;</span>"},
+    {"CommentsInInputAreItalic", R"nb(Cell[BoxData[RowBox[{"x", RowBox[{"(*", "note", "*)"}]}]], "Input"])nb",
+     "\n<div class=\"Input\">x<span style=\"font-style:italic;color: #438958;\">(*note*)</span></div>"},
+    // Controls.
+    {"CheckboxIndeterminateShowsChecked",
+     R"nb(Cell[BoxData[RowBox[{CheckboxBox[True], CheckboxBox[False], CheckboxBox[Dynamic[x]], CheckboxBox[]}]]])nb",
+     "<input type=\"checkbox\" checked=\"1\"/><input type=\"checkbox\"/>"
+     "<input type=\"checkbox\" checked=\"1\"/><input type=\"checkbox\" checked=\"1\"/>"},
+    {"RadioButtons", R"nb(Cell[BoxData[RowBox[{RadioButtonBox[1, {1}], RadioButtonBox[1, {2}]}]]])nb",
+     "<input type=\"radio\" checked=\"1\"/><input type=\"radio\"/>"},
+    {"ButtonLabelIsEscapedInItsAttribute", "Cell[TextData[ButtonBox[\"say \\\"hi\\\" & <go>\tnow\"]]]",
+     "<input type=\"button\" value=\"say &quot;hi&quot; &amp; &lt;go&gt;&#160;&#160;&#160;&#160;now\"/>"},
+    {"HyperlinkEscapesURLAndLabel",
+     R"nb(Cell[TextData[ButtonBox["Q&A", BaseStyle->"Hyperlink", ButtonData->{URL["http://x.example/?a=1&b='2'"], None}]]])nb",
+     "<a href=\"http://x.example/?a=1&amp;b=&apos;2&apos;\">Q&amp;A</a>"},
+    {"HyperlinkFromStyleAndStringData",
+     R"nb(Cell[TextData[{ButtonBox["doc", ButtonStyle->"Hyperlink", ButtonData->"http://d.example/"], ButtonBox["none", BaseStyle->"Hyperlink"], ButtonBox[StyleBox["ref", FontWeight->"Bold"], BaseStyle->"Link"]}]])nb",
+     "<a href=\"http://d.example/\">doc</a><a href=\"\">none</a><input type=\"button\" value=\"ref\"/>"},
+    {"InputFields",
+     R"nb(Cell[BoxData[RowBox[{InputFieldBox["\"a<b\"", String], InputFieldBox["\"\"", String], InputFieldBox[Dynamic[n]]}]]])nb",
+     "<input type=\"text\" value=\"a&lt;b\"/><input type=\"text\" value=\"\"/><input type=\"text\" value=\"n\"/>"},
+    {"PopupMenuSelectsTheCurrentItem",
+     R"nb(Cell[BoxData[PopupMenuBox["b", {"a" -> "\"A\"", "b" -> "\"B\"", "c" -> "\"C&D\""}]]])nb",
+     "<select><option>A</option><option selected=\"selected\">B</option><option>C&amp;D</option></select>"},
+    {"PopupMenuSelectionOutsideTheItems",
+     R"nb(Cell[BoxData[RowBox[{PopupMenuBox["z", {"a" -> "\"A\"", "b"}], PopupMenuBox[Dynamic[m]]}]]])nb",
+     "<select><option>A</option></select><select></select>"},
+    {"ActionMenuLabelIsTheChosenOption",
+     R"nb(Cell[BoxData[ActionMenuBox["\"T\"", {"\"A\"" :> f[], "\"B\"" :> g[], h}]]])nb",
+     "<select><option selected=\"selected\">T</option><option>A</option><option>B</option></select>"},
+    {"SetterLabelIsRenderedThenEscaped",
+     R"nb(Cell[BoxData[RowBox[{SetterBox[Dynamic[x], {1}, StyleBox["\"one\"", FontWeight->"Bold"]], SetterBox[Dynamic[x], "\"a<b\""], SetterBox[Dynamic[x]]}]]])nb",
+     "<input type=\"button\" value=\"&lt;span style=&quot;font-weight:bold;&quot;&gt;one&lt;/span&gt;\"/>"
+     "<input type=\"button\" value=\"a&lt;b\"/><input type=\"button\" value=\"\"/>"},
+    {"Panels", R"nb(Cell[BoxData[RowBox[{PanelBox["in"], PanelBox[]}]]])nb",
+     "<table bgcolor=\"#EEEEEE\" style=\"display:inline;border:1px solid;margin:2px;padding:4px;\"><tr><td>in</td></tr></table>"},
+    {"Scripts", R"nb(Cell[BoxData[RowBox[{SuperscriptBox["x", "2"], "+", SubscriptBox["y", "i"]}]]])nb",
+     "x<sup>2</sup> + y<sub>i</sub>"},
+    // Tab views.
+    {"TabViewShowsOnlyTheSelectedPane",
+     R"nb(Cell[BoxData[TabViewBox[{{1, "\"P\"" -> "pages"}, {2, "\"Q\"" -> "quires"}}, 2]]])nb",
+     "\n<table bgcolor=\"#EEEEEE\" style=\"border:1px solid;\"><tr>\n"
+     "<td style=\"border:1px solid;\">P</td>\n"
+     "<td style=\"border:1px solid;\" bgcolor=\"#7799FF\">Q</td>\n"
+     "</tr><tr><td style=\"border:1px solid;\" colspan=\"2\">\nquires\n</td></tr></table>\n"},
+    {"TabViewWithoutAMatchShowsTheFirst", R"nb(Cell[BoxData[TabViewBox[{"\"P\"" -> "pages"}, 7]]])nb",
+     "\n<table bgcolor=\"#EEEEEE\" style=\"border:1px solid;\"><tr>\n"
+     "<td style=\"border:1px solid;\" bgcolor=\"#7799FF\">P</td>\n"
+     "</tr><tr><td style=\"border:1px solid;\" colspan=\"1\">\npages\n</td></tr></table>\n"},
+    {"TabViewWithoutTabs", R"nb(Cell[BoxData[TabViewBox[{}]]])nb",
+     "\n<table bgcolor=\"#EEEEEE\" style=\"border:1px solid;\"><tr>\n"
+     "</tr><tr><td style=\"border:1px solid;\" colspan=\"0\">\n\n</td></tr></table>\n"},
+    // Grids and their spans.
+    {"GridSpanFromLeft", R"nb(Cell[BoxData[GridBox[{{"a", "\[SpanFromLeft]"}, {"b", "c"}}]]])nb",
+     "<table border=\"1\">\n<tr><td colSpan=\"2\">a</td></tr><tr><td>b</td><td>c</td></tr></table>\n"},
+    {"GridSpanFromAbove", R"nb(Cell[BoxData[GridBox[{{"a", "b"}, {"\[SpanFromAbove]", "c"}}]]])nb",
+     "<table border=\"1\">\n<tr><td rowSpan=\"2\">a</td><td>b</td></tr><tr><td>c</td></tr></table>\n"},
+    {"GridSpanBothWays",
+     R"nb(Cell[BoxData[GridBox[{{"a", "\[SpanFromLeft]"}, {"\[SpanFromAbove]", "\[SpanFromBoth]"}}]]])nb",
+     "<table border=\"1\">\n<tr><td rowSpan=\"2\" colSpan=\"2\">a</td></tr><tr></tr></table>\n"},
+    {"GridRaggedRowsAndNonListRows",
+     R"nb(Cell[BoxData[GridBox[{{"a", "b"}, {"c"}, x, {"\[SpanFromAbove]\[SpanFromAbove]", "<"}}]]])nb",
+     "<table border=\"1\">\n<tr><td>a</td><td>b</td></tr><tr><td>c</td></tr><tr></tr>"
+     "<tr><td></td><td>&lt;</td></tr></table>\n"},
+};
+
+class NotebookHtmlGoldenTest : public testing::TestWithParam<Golden> {};
+
+TEST_P(NotebookHtmlGoldenTest, WritesExactly) {
+  const Golden& golden = GetParam();
+  auto run = ConvertNotebook(std::string("Notebook[{") + golden.notebook + "}]", {"-html"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.out, Page(golden.body));
+}
+
+INSTANTIATE_TEST_SUITE_P(Boxes, NotebookHtmlGoldenTest, testing::ValuesIn(kGoldens),
+                         [](const testing::TestParamInfo<Golden>& theInfo) { return theInfo.param.name; });
+
+TEST(NotebookHtmlIndexerTest, SeveralNotebooksEachGetTheirOwnPage) {
+  NbtextTest::TempDir dir;
+  std::string first = dir.write("first.nb", R"nb(Notebook[{Cell["one", "Title"]}, WindowSize->{500, 600}])nb");
+  std::string refused = dir.write("refused.html", "<html></html>");
+  std::string second = dir.write("second.nb", R"nb(Notebook[{Cell["two", "Text"]}, StyleDefinitions->"Book.nb"])nb");
+  auto run = NbtextTest::RunNbtext({first, "-html", second});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.out, Page("\n<div class=\"Title\">one</div>") + Page("\n<div class=\"Text\">two</div>"));
+  // A refused file writes no page at all, not even a head.
+  run = NbtextTest::RunNbtext({"-html", first, refused, second});
+  EXPECT_EQ(run.status, 255);
+  EXPECT_EQ(run.out, Page("\n<div class=\"Title\">one</div>"));
+}
+} // namespace
