@@ -5,6 +5,7 @@
 #include "Kx/KxNumber.h"
 #include "Kx/KxString.h"
 #include "Kx/KxSymbol.h"
+#include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/Base/ZnStringEncoding.h"
 #include "Zn/Collection/ZnArray.h"
@@ -340,19 +341,15 @@ void NotebookHTMLIndexer::writeStyleOption(Zn::String* theName, Expr* theValue, 
     return;
   auto text = adopt(stringForBox(theValue, theContext));
   if (family) {
-    // The value is notebook text inside an attribute: escaped like all content.
-    writeMarkup(writer, "font-family: '");
-    writer->putString(text.get());
-    writeMarkup(writer, "';");
+    // The whole declaration belongs to the span's opening markup.
+    writeMarkupFormat(writer, "font-family: '%@';", text.get());
   } else if (size) {
     double points = 0;
     if (text->doubleValue(&points, 10)) {
       writeMarkupFormat(writer, "font-size:%ld;", long(roundHalfAwayFromZero(points)));
       return;
     }
-    writeMarkup(writer, "font-size:");
-    writer->putString(adopt(text->lowercaseString()).get());
-    writeMarkup(writer, ";");
+    writeMarkupFormat(writer, "font-size:%@;", adopt(text->lowercaseString()).get());
   } else if (weight) {
     if (isWord(text.get(), "Plain"))
       writeMarkup(writer, "font-weight:normal;");
@@ -501,6 +498,13 @@ void NotebookHTMLIndexer::indexGridBox(Expr* theBox, const IndexContext& theCont
   writeMarkup(writer, "</table>\n");
 }
 
+// The selected pane must exist: a selection outside the panes is a broken
+// precondition of the tab view, reported like any other.
+static Expr* selectedPane(Zn::Array* theContents, ZnIndex theIndex) {
+  ZnAssert(theIndex >= 0, theIndex);
+  return static_cast<Expr*>(theContents->objectAtIndex(theIndex));
+}
+
 void NotebookHTMLIndexer::writeTabView(Zn::Array* theLabels, Zn::Array* theContents, int32_t theSelected,
                                        const IndexContext& theContext) {
   Zn::Writer* writer = theContext.writer.get();
@@ -512,8 +516,6 @@ void NotebookHTMLIndexer::writeTabView(Zn::Array* theLabels, Zn::Array* theConte
     writeMarkup(writer, "</td>\n");
   }
   writeMarkupFormat(writer, "</tr><tr><td style=\"border:1px solid;\" colspan=\"%d\">\n", int(theLabels->getCount()));
-  // A tab view without tabs has no pane to show; it must not end the run.
-  if (theSelected >= 0 && theSelected < theContents->getCount())
-    indexBox(static_cast<Expr*>(theContents->objectAtIndex(theSelected)), theContext);
+  indexBox(selectedPane(theContents, theSelected), theContext);
   writeMarkup(writer, "\n</td></tr></table>\n");
 }
