@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Xapian Omega's omindex with nbtext as the filter for *.nb: indexes the
+# corpus once as plain text and once with -html as HTML, then queries with
+# quest. omindex appends the file name to the command and reads its output.
+. "$(dirname "$0")/common.sh"
+need omindex xapian-omega
+need quest xapian-tools
+prepare_words
+
+# index_and_check MODE OUTPUT-TYPE [NBTEXT-OPTION]
+index_and_check() {
+  local db=$WORK/omega-$1
+  timed "omindex ($1)" "$WORK/omindex-$1.log" omindex --db "$db" --url /notebooks/ --follow \
+    --mime-type=nb:application/x-notebook \
+    "--filter=application/x-notebook,$2:$(printf %q "$NBTEXT") ${3:-}" "$WORK/docs"
+  xapian-delve "$db" | grep 'number of documents' || true
+  # -s none: no stemming, so a word finds itself and nothing else.
+  $WORDS check "$WORK" "$1" quest -d "$db" -s none -m 1000
+}
+
+status=0
+index_and_check text text/plain || status=1
+index_and_check html text/html -html || status=1
+[ $status = 0 ] || fail "omindex found the wrong notebooks"
