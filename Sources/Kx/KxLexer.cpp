@@ -1061,7 +1061,8 @@ int32_t Lexer::scanRun(ZnUnichar theFirst, ParseValue* theValue) {
 int32_t Lexer::scanElement(ParseValue* theValue) {
   // The element after "\*", kept as text: it runs to white space or a box
   // operator outside brackets, quotes and groups, or to the "\)" that closes
-  // the enclosing group.
+  // the enclosing group. Inside a group brackets are text ("\(]\)" is a
+  // row holding "]"), and the brackets of "\[Name]" are no brackets at all.
   text_->setLength(0);
   ZnUnichar c;
   do {
@@ -1098,6 +1099,21 @@ int32_t Lexer::scanElement(ParseValue* theValue) {
       }
       if (next == '\n' || next == '\r')
         continue;
+      if (next == '[') {
+        text_->appendCharacter(c);
+        text_->appendCharacter(next);
+        while (get(&c)) {
+          if (!IsLetter(c) && !IsDigit(c)) {
+            if (c == ']')
+              text_->appendCharacter(c);
+            else
+              unget(c);
+            break;
+          }
+          text_->appendCharacter(c);
+        }
+        continue;
+      }
       if (next == '(')
         ++groups;
       else if (next == ')')
@@ -1113,12 +1129,13 @@ int32_t Lexer::scanElement(ParseValue* theValue) {
     if (!escapedQuoted) {
       if (c == '"') {
         quoted = true;
-      } else if (c == '[' || c == '(' || c == '{') {
-        ++brackets;
-      } else if ((c == ']' || c == ')' || c == '}') && brackets > 0) {
-        --brackets;
-      } else if (brackets == 0 && groups == 0 && IsSpace(c)) {
-        break;
+      } else if (groups == 0) {
+        if (c == '[' || c == '(' || c == '{')
+          ++brackets;
+        else if ((c == ']' || c == ')' || c == '}') && brackets > 0)
+          --brackets;
+        else if (brackets == 0 && IsSpace(c))
+          break;
       }
     }
     text_->appendCharacter(c);

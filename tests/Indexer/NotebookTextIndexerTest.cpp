@@ -126,6 +126,9 @@ const Golden kGoldens[] = {
      "q\"r\"\n\n"},
     {"SymbolsLoseTheirContext", R"nb(Cell[TextData[{Global`alpha, " ", beta}], "Text"])nb", "alpha beta\n\n"},
     {"BoxGroupInsideAString", R"nb(Cell["x \!\(a\^2\) y", "Text"])nb", "x a^2 y\n\n"},
+    {"EmbeddedBoxInsideAString",
+     R"nb(Cell["\!\(\*SubscriptBox[\(\[Omega]\), \(b\)]\) and \!\(\*SuperscriptBox[\(]\), \(2\)]\)", "Text"])nb",
+     "\\[Omega]b and ]^2\n\n"},
 };
 
 class NotebookTextGoldenTest : public testing::TestWithParam<Golden> {};

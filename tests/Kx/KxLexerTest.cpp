@@ -214,6 +214,11 @@ TEST_F(LexerTest, BoxModeSplitsRunsAndBoxOperators) {
        R"t("F[\(x\), "a b"]"|"2")t"},
       {R"t(\(\*G[\"]\"] y\))t", {KxRowBoxBegin, KxInterpretBox, KxString, KxString, KxRowBoxEnd},
        R"t("G[\"]\"]"|"y")t"},
+      // Brackets inside its groups are text, and so are those of named characters.
+      {R"t(\(\*S[\(]\), \(N - 1\)] y\))t", {KxRowBoxBegin, KxInterpretBox, KxString, KxString, KxRowBoxEnd},
+       R"t("S[\(]\), \(N - 1\)]"|"y")t"},
+      {R"t(\(\*S[\(\[Omega]\), \(b\)]\))t", {KxRowBoxBegin, KxInterpretBox, KxString, KxRowBoxEnd},
+       R"t("S[\(\[Omega]\), \(b\)]")t"},
   };
   Check(cases, std::size(cases));
 }
