@@ -29,7 +29,7 @@ CONTROL_HEADS = {"ButtonBox", "CheckboxBox", "RadioButtonBox", "PopupMenuBox",
                  "GridBox"}
 MARKUP_TERMS = ["RowBox", "StyleBox", "BoxData", "TextData", "CellGroupData",
                 "Cell", "FontSize", "FontWeight", "FrontEndVersion",
-                "CellChangeTimes", "Alpha", "EAcute", "Rule"]
+                "CellChangeTimes", "Alpha", "EAcute", "Dash", "IndentingNewLine", "Rule"]
 # Words of the HTML page's own markup and style sheet.
 PAGE_TERMS = ["div", "span", "bgcolor", "javascript", "serif"]
 # Characters that some indexers join to a neighbouring word ("l'ensemble",
