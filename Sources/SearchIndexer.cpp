@@ -608,15 +608,21 @@ void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, c
 }
 
 namespace {
-/// +1. theText parsed, without reports; null when it does not parse.
-Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape) {
-  // Inside a string the text's own quotes and backslashes are escaped once.
+/// +1. theText with one level of string escaping undone: the quotes and
+/// backslashes of a text that sits inside a string are escaped once.
+Zn::MutableString* unescapedOnce(const ZnUnichar* theText, ZnIndex theLength) {
   auto source = adopt(new Zn::MutableString(theLength));
   for (ZnIndex i = 0; i < theLength; ++i) {
-    if (theUnescape && theText[i] == '\\' && i + 1 < theLength && (theText[i + 1] == '"' || theText[i + 1] == '\\'))
+    if (theText[i] == '\\' && i + 1 < theLength && (theText[i + 1] == '"' || theText[i + 1] == '\\'))
       ++i;
     source->appendCharacter(theText[i]);
   }
+  return source.leak();
+}
+
+/// +1. theText parsed, without reports; null when it does not parse.
+Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape) {
+  auto source = adopt(theUnescape ? unescapedOnce(theText, theLength) : new Zn::String(theText, theLength));
   auto reader = adopt<Zn::Reader>(new Zn::StringReader(source.get()));
   auto parser = adopt(new Zn::Kx::ExprParser(reader.get()));
   parser->setErrorHandler(nullptr);
@@ -646,10 +652,17 @@ Expr* SearchIndexer::parseEmbeddedBox(Expr* theText) {
   Zn::String* text = stringText(theText);
   if (!text)
     return nullptr;
-  for (bool unescape : {false, true}) {
-    auto box = adopt(parseQuietly(text->getCharactersPtr(), text->length(), unescape));
+  // The element is escaped once for each string around its group: a group
+  // in a string literal of code, itself held in a string, is two deep.
+  auto source = retained(text);
+  for (int level = 0; level < 3; ++level) {
+    auto box = adopt(parseQuietly(source->getCharactersPtr(), source->length(), false));
     if (isBoxExpression(box.get()))
       return box.leak();
+    auto unescaped = adopt(unescapedOnce(source->getCharactersPtr(), source->length()));
+    if (unescaped->length() == source->length())
+      return nullptr;
+    source = std::move(unescaped);
   }
   return nullptr;
 }

@@ -129,6 +129,10 @@ const Golden kGoldens[] = {
     {"EmbeddedBoxInsideAString",
      R"nb(Cell["\!\(\*SubscriptBox[\(\[Omega]\), \(b\)]\) and \!\(\*SuperscriptBox[\(]\), \(2\)]\)", "Text"])nb",
      "\\[Omega]b and ]^2\n\n"},
+    // A string literal of code holding a group: the element's quotes are escaped twice.
+    {"EmbeddedBoxInsideAStringLiteralOfCode",
+     R"nb(Cell[BoxData[RowBox[{"\"\<|\!\(\*StyleBox[\\\"DREPE\\\", Background->RGBColor[1, 1, 0]]\)| = \>\"", "<>", "s"}]], "Input"])nb",
+     "\"|DREPE| = \"<>s\n\n"},
 };
 
 class NotebookTextGoldenTest : public testing::TestWithParam<Golden> {};
