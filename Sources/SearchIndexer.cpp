@@ -608,14 +608,21 @@ void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, c
 }
 
 namespace {
-/// +1. theText with one level of string escaping undone: the quotes and
-/// backslashes of a text that sits inside a string are escaped once.
+/// +1. theText with one level of string escaping undone: the quotes,
+/// backslashes, line ends and tabs of a text that sits inside a string are
+/// escaped once.
 Zn::MutableString* unescapedOnce(const ZnUnichar* theText, ZnIndex theLength) {
   auto source = adopt(new Zn::MutableString(theLength));
   for (ZnIndex i = 0; i < theLength; ++i) {
-    if (theText[i] == '\\' && i + 1 < theLength && (theText[i + 1] == '"' || theText[i + 1] == '\\'))
-      ++i;
-    source->appendCharacter(theText[i]);
+    ZnUnichar c = theText[i];
+    if (c == '\\' && i + 1 < theLength) {
+      const ZnUnichar next = theText[i + 1];
+      if (next == '"' || next == '\\' || next == 'n' || next == 't') {
+        c = next == 'n' ? ZnUnichar(10) : next == 't' ? ZnUnichar(9) : next;
+        ++i;
+      }
+    }
+    source->appendCharacter(c);
   }
   return source.leak();
 }

@@ -133,6 +133,8 @@ const Golden kGoldens[] = {
     {"EmbeddedBoxInsideAStringLiteralOfCode",
      R"nb(Cell[BoxData[RowBox[{"\"\<|\!\(\*StyleBox[\\\"DREPE\\\", Background->RGBColor[1, 1, 0]]\)| = \>\"", "<>", "s"}]], "Input"])nb",
      "\"|DREPE| = \"<>s\n\n"},
+    {"EmbeddedBoxAfterAnEscapedLineEnd",
+     R"nb(Cell["Angle \!\(\*\nStyleBox[\"\[Alpha]\",\tFontSlant->\"Italic\"]\): x", "Text"])nb", "Angle \\[Alpha]: x\n\n"},
 };
 
 class NotebookTextGoldenTest : public testing::TestWithParam<Golden> {};
