@@ -229,6 +229,7 @@ TEST_F(LexerTest, EveryTruncationEndsCleanly) {
   const char* texts[] = {
       R"t("a\[Alpha]\.41\:0041\(x\^2\)b")t", "(* a (* b *) *)x", "16^^ff.8`20*^-3",
       R"t(\(a\^b\%c\*F[\(x\)] "s"\))t", "x__h->#2&%%", R"t(f[{a,b},"\!\(y\)"]//g)t",
+      R"t(\(\*S[\(\[Omega]\), \(]\)]\))t",
   };
   for (const char* text : texts) {
     std::string full = text;
