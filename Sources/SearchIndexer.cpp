@@ -15,6 +15,7 @@
 #include "Zn/IO/ZnReader.h"
 #include "Zn/IO/ZnStream.h"
 #include "Zn/IO/ZnWriter.h"
+#include <cstring>
 
 using Zn::adopt;
 using Zn::retained;
@@ -144,10 +145,35 @@ bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength) {
 // rendering pass. The walk asks whether the renderer's class put another
 // function in the hook's slot. g++ can turn a pointer to a virtual member
 // bound to an object into the address of the function that the object's
-// class uses; the addresses of the defaults come from a plain SearchIndexer
-// made once before main.
+// class uses; clang cannot, so there the slot is read the way the C++ ABI
+// lays out a pointer to a virtual member (the vtable offset, plus 1 except
+// on ARM, which marks virtual members in the adjustment instead). The
+// addresses of the defaults come from a plain SearchIndexer made once
+// before main.
+#if defined(__clang__)
+template <class F> const void* slotAddress(SearchIndexer* theIndexer, F SearchIndexer::*theMember) {
+  struct {
+    uintptr_t pointer;
+    ptrdiff_t adjustment;
+  } member;
+  static_assert(sizeof member == sizeof theMember);
+  std::memcpy(&member, &theMember, sizeof member);
+#if defined(__arm__) || defined(__aarch64__)
+  uintptr_t offset = member.pointer;
+  ptrdiff_t adjustment = member.adjustment >> 1;
+#else
+  uintptr_t offset = member.pointer - 1;
+  ptrdiff_t adjustment = member.adjustment;
+#endif
+  const char* vtable = *reinterpret_cast<const char* const*>(reinterpret_cast<const char*>(theIndexer) + adjustment);
+  return *reinterpret_cast<const void* const*>(vtable + offset);
+}
+#define HOOK_ADDRESS(theMember) slotAddress(self, &SearchIndexer::theMember)
+#else
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpmf-conversions"
+#define HOOK_ADDRESS(theMember) reinterpret_cast<const void*>(self->*(&SearchIndexer::theMember))
+#endif
 } // namespace
 
 enum SearchIndexer::Hook : int32_t {
@@ -170,22 +196,25 @@ namespace {
 const void* hookAddress(const SearchIndexer* theIndexer, int32_t theHook) {
   auto self = const_cast<SearchIndexer*>(theIndexer);
   switch (theHook) {
-  case 0: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setTitle));
-  case 1: return reinterpret_cast<const void*>(self->*(&SearchIndexer::noteCellText));
-  case 2: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setNotebookKind));
-  case 3: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setEvaluator));
-  case 4: return reinterpret_cast<const void*>(self->*(&SearchIndexer::noteCellOption));
-  case 5: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setStyleDefinitions));
-  case 6: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setFrontEndVersion));
-  case 7: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setWindowFrame));
-  case 8: return reinterpret_cast<const void*>(self->*(&SearchIndexer::setWindowSize));
-  case 9: return reinterpret_cast<const void*>(self->*(&SearchIndexer::writeActionMenu));
-  case 10: return reinterpret_cast<const void*>(self->*(&SearchIndexer::writeInputField));
-  case 11: return reinterpret_cast<const void*>(self->*(&SearchIndexer::writePopupMenu));
+  case 0: return HOOK_ADDRESS(setTitle);
+  case 1: return HOOK_ADDRESS(noteCellText);
+  case 2: return HOOK_ADDRESS(setNotebookKind);
+  case 3: return HOOK_ADDRESS(setEvaluator);
+  case 4: return HOOK_ADDRESS(noteCellOption);
+  case 5: return HOOK_ADDRESS(setStyleDefinitions);
+  case 6: return HOOK_ADDRESS(setFrontEndVersion);
+  case 7: return HOOK_ADDRESS(setWindowFrame);
+  case 8: return HOOK_ADDRESS(setWindowSize);
+  case 9: return HOOK_ADDRESS(writeActionMenu);
+  case 10: return HOOK_ADDRESS(writeInputField);
+  case 11: return HOOK_ADDRESS(writePopupMenu);
   default: return nullptr;
   }
 }
+#undef HOOK_ADDRESS
+#if !defined(__clang__)
 #pragma GCC diagnostic pop
+#endif
 
 struct DefaultHooks {
   const void* addresses[12];
