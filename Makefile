@@ -6,7 +6,7 @@ CMAKE_FLAGS ?=
 # Paths relative to the checkout let several checkouts share cached objects.
 export CCACHE_BASEDIR := $(CURDIR)
 
-.PHONY: run test build tools clean install deb
+.PHONY: run test build tools clean install deb fuzz fuzz-run
 
 tools:
 	@scripts/ensure-tools.sh native
@@ -45,5 +45,15 @@ deb: tools
 	cd $(DEB_BUILD) && cpack -G DEB
 	@ls $(DEB_BUILD)/nbtext_*.deb
 
+# The libFuzzer targets of fuzz/, built with clang and the sanitizers in a
+# tree of their own; `make fuzz-run FUZZ_SECONDS=1800` runs each in turn.
+FUZZ_SECONDS ?= 600
+fuzz:
+	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DNBTEXT_FUZZ=ON -DNBTEXT_TESTS=OFF
+	cmake --build build-fuzz -j $(JOBS)
+
+fuzz-run: fuzz
+	scripts/run-fuzzers.sh $(FUZZ_SECONDS)
+
 clean:
-	rm -rf $(BUILD) build-asan build-armhf $(DEB_BUILD)
+	rm -rf $(BUILD) build-asan build-armhf build-fuzz $(DEB_BUILD)

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Runs the libFuzzer targets built by `make fuzz`, one after the other, each
+# for SECONDS (default 600) at the lowest priority, so that builds on the
+# same machine keep theirs. Usage: scripts/run-fuzzers.sh [SECONDS] [TARGET...]
+# with TARGET among escapes, reader, parse, convert_text (default: all).
+#
+# The inputs that each target finds interesting accumulate in
+# build-fuzz/corpus/TARGET; it starts from fuzz/seeds, samples/ and, when
+# present, the shared notebook corpus next to the checkout. Inputs that
+# fail land in build-fuzz/artifacts/TARGET: minimise one with
+#   build-fuzz/fuzz/fuzz_TARGET -minimize_crash=1 -runs=10000 FILE
+# and keep it in tests/fuzz-regressions/TARGET/, where the test suite
+# replays it.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+SECONDS_EACH=${1:-600}
+shift || true
+TARGETS=("$@")
+[ ${#TARGETS[@]} -gt 0 ] || TARGETS=(escapes reader parse convert_text)
+
+# Limits: an input of at most 64 KB must finish within a second and 256 MB.
+# AddressSanitizer's quarantine would fill that alone, so it is kept small.
+export ASAN_OPTIONS=${ASAN_OPTIONS:-quarantine_size_mb=16:detect_leaks=1}
+export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
+seeds=(fuzz/seeds/notebooks samples)
+[ -d ../shared/corpus ] && seeds+=(../shared/corpus)
+
+for target in "${TARGETS[@]}"; do
+  binary=build-fuzz/fuzz/fuzz_$target
+  [ -x "$binary" ] || { echo "$binary is missing: run make fuzz first" >&2; exit 1; }
+  mkdir -p "build-fuzz/corpus/$target" "build-fuzz/artifacts/$target"
+  echo "=== $target for ${SECONDS_EACH}s"
+  nice -n 19 "$binary" "build-fuzz/corpus/$target" "${seeds[@]}" \
+    -dict=fuzz/notebook.dict -max_len=65536 -timeout=1 -rss_limit_mb=256 \
+    -max_total_time="$SECONDS_EACH" -print_final_stats=1 \
+    -artifact_prefix="build-fuzz/artifacts/$target/"
+done
