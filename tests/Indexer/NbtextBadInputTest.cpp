@@ -1,0 +1,213 @@
+//===- NbtextBadInputTest.cpp - Damaged and extreme input ends cleanly -----===//
+//
+// Indexers hand nbtext whatever they find. Each run here must end with the
+// text (status 0) or with the refusal in the log (status 255): never a
+// signal, a sanitizer's report or any other status. Under the sanitizers
+// and the emulator the sizes and counts are scaled down (kReduced).
+//
+//===----------------------------------------------------------------------===//
+#include <gtest/gtest.h>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <sys/stat.h>
+#include "Indexer/NbtextRunner.h"
+#include "Kx/KxExprParser.h"
+
+namespace {
+using NbtextTest::Run;
+using NbtextTest::RunNbtext;
+using NbtextTest::TempDir;
+
+const bool kReduced = NBTEXT_SANITIZED || NBTEXT_EMULATOR[0] != '\0';
+
+// The assertions that a malformed box may reach; they end the run with 255
+// as a refusal does (see fuzz/FuzzSupport.cpp).
+const char* const kRefusingAssertions[] = {"Assertion \"e != NULL\" failed",
+                                           "Assertion \"theIndex < count_\" failed",
+                                           "Assertion \"theIndex >= 0\" failed",
+                                           "Assertion \"theLabels->getCount() == theContents->getCount()\" failed"};
+
+bool IsRefusal(const std::string& theErr) {
+  if (theErr.find("could not index file") != std::string::npos)
+    return true;
+  for (const char* assertion : kRefusingAssertions)
+    if (theErr.find(assertion) != std::string::npos)
+      return true;
+  return false;
+}
+
+void ExpectCleanEnd(const Run& theRun, const std::string& theWhat) {
+  if (theRun.status == 0)
+    return;
+  EXPECT_EQ(theRun.status, 255) << theWhat << ": " << theRun.err.substr(0, 800);
+  EXPECT_TRUE(IsRefusal(theRun.err)) << theWhat << ": " << theRun.err.substr(0, 800);
+}
+
+Run ConvertBytes(const TempDir& theDir, const std::string& theBytes) {
+  return RunNbtext({theDir.write("input.nb", theBytes)});
+}
+
+std::string Repeat(const std::string& theText, int32_t theCount) {
+  std::string out;
+  out.reserve(theText.size() * size_t(theCount));
+  for (int32_t i = 0; i < theCount; ++i)
+    out += theText;
+  return out;
+}
+
+std::string ReadFile(const std::string& thePath) {
+  std::ifstream in(thePath, std::ios::binary);
+  std::stringstream bytes;
+  bytes << in.rdbuf();
+  return bytes.str();
+}
+
+//===--- Damaged copies of real notebooks ----------------------------------===//
+
+// Our sample and a few small real notebooks with controls, tab views and
+// named characters; the real ones are skipped when the corpus is absent.
+const char* const kDamagedNotebooks[] = {
+    NBTEXT_SOURCE_DIR "/samples/sample.nb",
+    NBTEXT_CORPUS_DIR "/016-french-recursive-sequence-named-chars.nb",
+    NBTEXT_CORPUS_DIR "/030-gas-equilibrium-radio-buttons.nb",
+    NBTEXT_CORPUS_DIR "/076-nbf-tabview-orbitals.nb",
+};
+
+class DamagedNotebookTest : public testing::TestWithParam<const char*> {
+protected:
+  void SetUp() override {
+    struct stat info;
+    if (stat(GetParam(), &info) != 0)
+      GTEST_SKIP() << "no notebook at " << GetParam() << " (the corpus is absent)";
+    original_ = ReadFile(GetParam());
+    ASSERT_FALSE(original_.empty());
+  }
+  std::string original_;
+};
+
+TEST_P(DamagedNotebookTest, EveryTruncationEndsCleanly) {
+  TempDir dir;
+  const int step = kReduced ? 5 : 1;
+  for (int percent = 0; percent <= 100; percent += step) {
+    size_t length = original_.size() * size_t(percent) / 100;
+    ExpectCleanEnd(ConvertBytes(dir, original_.substr(0, length)), "cut at " + std::to_string(length));
+  }
+}
+
+TEST_P(DamagedNotebookTest, SingleByteCorruptionsEndCleanly) {
+  TempDir dir;
+  std::mt19937 random(20261122);
+  const int count = kReduced ? 15 : 75;
+  // Bytes that change the structure most: brackets, quotes, escapes, NUL.
+  const char kReplacements[] = {'[', ']', '{', '}', '"', '\\', ',', '\0', '\xff', '>', '(', '*'};
+  for (int i = 0; i < count; ++i) {
+    std::string damaged = original_;
+    size_t position = random() % damaged.size();
+    damaged[position] = i % 2 ? kReplacements[random() % sizeof kReplacements] : char(random());
+    ExpectCleanEnd(ConvertBytes(dir, damaged), "byte " + std::to_string(position) + " changed");
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Notebooks, DamagedNotebookTest, testing::ValuesIn(kDamagedNotebooks),
+                         [](const testing::TestParamInfo<const char*>& theInfo) {
+                           std::string name = theInfo.param;
+                           name = name.substr(name.rfind('/') + 1, 3);
+                           return name == "sam" ? std::string("sample") : "corpus" + name;
+                         });
+
+//===--- Bytes that are no text ---------------------------------------------===//
+
+TEST(NbtextBadInputTest, InvalidUTF8AndNulBytesEndCleanly) {
+  const std::vector<std::pair<const char*, std::string>> inputs = {
+      {"stray continuation bytes", "Notebook[{Cell[\"a\x80\xbf b\", \"Text\"]}]"},
+      {"overlong and truncated sequences", "Notebook[{Cell[\"\xc0\x80\xe2\x82\", \"Text\"]}]"},
+      {"five- and six-byte leads", "Notebook[{Cell[\"\xf8\x88\x80\x80\x80\xfc\x84\x80\x80\x80\x80\", \"Text\"]}]"},
+      {"encoded surrogates", "Notebook[{Cell[\"\xed\xa0\x80\xed\xb0\x80\", \"Text\"]}]"},
+      {"lead byte at the very end", "Notebook[{Cell[\"x\", \"Text\"]}]\xf0"},
+      {"lead byte in a symbol", "Notebook[{Cell[\"x\", Te\xe2xt]}]"},
+      {"NUL in a string", std::string("Notebook[{Cell[\"a\0b\", \"Text\"]}]", 32)},
+      {"NUL between tokens", std::string("Notebook[{Cell[\"ab\",\0\"Text\"]}]", 31)},
+      {"NUL first", std::string("\0Notebook[{}]", 13)},
+      {"only NULs", std::string(4096, '\0')},
+      {"byte-order mark", "\xef\xbb\xbfNotebook[{Cell[\"x\", \"Text\"]}]"},
+      {"UTF-16 text", std::string("\xff\xfeN\0o\0t\0e\0b\0o\0o\0k\0[\0{\0}\0]\0", 22)},
+  };
+  TempDir dir;
+  for (const auto& [what, input] : inputs)
+    ExpectCleanEnd(ConvertBytes(dir, input), what);
+}
+
+TEST(NbtextBadInputTest, RandomBytesEndCleanly) {
+  TempDir dir;
+  std::mt19937 random(7);
+  for (size_t size : {size_t(1), size_t(100), size_t(65536)}) {
+    std::string bytes(size, '\0');
+    for (char& c : bytes)
+      c = char(random());
+    ExpectCleanEnd(ConvertBytes(dir, bytes), std::to_string(size) + " random bytes");
+    // The same behind a well-formed start.
+    ExpectCleanEnd(ConvertBytes(dir, "Notebook[{Cell[" + bytes), "a notebook ending in random bytes");
+  }
+}
+
+//===--- Sizes and depths at the edge ---------------------------------------===//
+
+TEST(NbtextBadInputTest, HugeSingleStringConverts) {
+  const size_t size = kReduced ? 5u << 20 : 50u << 20;
+  TempDir dir;
+  NbtextTest::Run run = ConvertBytes(dir, "Notebook[{Cell[\"" + std::string(size, 'w') + "\"]}]");
+  EXPECT_EQ(run.status, 0) << run.err.substr(0, 800);
+  EXPECT_EQ(run.out.size(), size);
+  EXPECT_EQ(run.out.find_first_not_of('w'), std::string::npos);
+}
+
+TEST(NbtextBadInputTest, AMillionTinyCellsConvert) {
+  const int32_t count = kReduced ? 100000 : 1000000;
+  TempDir dir;
+  // A cell without a style writes its text alone, without a separator.
+  std::string cells = Repeat("Cell[\"x\"],", count - 1) + "Cell[\"x\"]";
+  NbtextTest::Run run = ConvertBytes(dir, "Notebook[{" + cells + "}]");
+  EXPECT_EQ(run.status, 0) << run.err.substr(0, 800);
+  EXPECT_EQ(run.out, std::string(size_t(count), 'x'));
+}
+
+// Just under the limit converts (NbtextCommandLineTest checks the three
+// ways of nesting boxes); one level more is refused, never a stack overflow.
+TEST(NbtextBadInputTest, NestingJustOverTheParsersLimitIsRefused) {
+  const int32_t outer = 4; // Notebook[ { Cell[ BoxData[
+  const int32_t levels = Zn::Kx::kMaxNestingDepth - outer + 1;
+  const std::pair<const char*, std::string> shapes[] = {
+      {"lists", Repeat("{", levels) + "x" + Repeat("}", levels)},
+      {"rows", Repeat("RowBox[{", levels / 2 + 1) + "\"x\"" + Repeat("}]", levels / 2 + 1)},
+      {"applications", Repeat("f[", levels) + "x" + Repeat("]", levels)},
+      {"parentheses", Repeat("(", levels) + "x" + Repeat(")", levels)},
+      {"box groups", Repeat("\\(", levels) + "x" + Repeat("\\)", levels)},
+  };
+  TempDir dir;
+  for (const auto& [what, boxes] : shapes) {
+    std::string file = dir.write("deep.nb", "Notebook[{Cell[BoxData[" + boxes + "]]}]");
+    NbtextTest::Run run = RunNbtext({file});
+    EXPECT_EQ(run.status, 255) << what << ": " << run.err.substr(0, 800);
+    EXPECT_NE(run.err.find("could not index file " + file), std::string::npos) << what;
+  }
+}
+
+// A string's box groups count with the nesting around the string. Beyond
+// the limit the group does not parse, and a string whose group does not
+// parse stays text: the file converts all the same.
+TEST(NbtextBadInputTest, BoxGroupsInAStringAtTheLimitConvert) {
+  const int32_t outer = 4 + 1; // Notebook[ { Cell[ BoxData[ and the string's own group
+  const int32_t levels = Zn::Kx::kMaxNestingDepth - outer;
+  TempDir dir;
+  for (int32_t extra : {0, 1}) {
+    std::string group = Repeat("\\(", levels + extra) + "x" + Repeat("\\)", levels + extra);
+    NbtextTest::Run run = ConvertBytes(dir, "Notebook[{Cell[BoxData[\"\\!\\(" + group + "\\)\"]]}]");
+    EXPECT_EQ(run.status, 0) << extra << " over: " << run.err.substr(0, 800);
+    if (extra == 0)
+      EXPECT_EQ(run.out, "x");
+    else
+      EXPECT_NE(run.out.find("x"), std::string::npos);
+  }
+}
+} // namespace
