@@ -1,12 +1,13 @@
 //===- FuzzConvert.cpp - Fuzzing the whole conversion of one file ----------===//
 //
 // Input: the bytes of a notebook file. They go through the renderer exactly
-// as nbtext converts a file (convertStream), writing to a stream that only
-// counts what it is given.
+// as nbtext converts a file (convertStream), by the plain-text or the HTML
+// renderer, writing to a stream that forgets what it is given.
 //
 //===----------------------------------------------------------------------===//
 #include "FuzzEntryPoints.h"
 #include "FuzzSupport.h"
+#include "NotebookHTMLIndexer.h"
 #include "NotebookTextIndexer.h"
 #include "Zn/Base/ZnData.h"
 #include "Zn/IO/ZnStream.h"
@@ -41,6 +42,12 @@ int Convert(const uint8_t* theData, size_t theSize, SearchIndexer* (*theCreate)(
 int FuzzConvertText(const uint8_t* theData, size_t theSize) {
   return Convert(theData, theSize, [](Stream* theOutput) -> SearchIndexer* {
     return new NotebookTextIndexer(theOutput);
+  });
+}
+
+int FuzzConvertHTML(const uint8_t* theData, size_t theSize) {
+  return Convert(theData, theSize, [](Stream* theOutput) -> SearchIndexer* {
+    return new NotebookHTMLIndexer(theOutput);
   });
 }
 } // namespace NbtextFuzz

@@ -23,4 +23,6 @@ int FuzzParse(const uint8_t* theData, size_t theSize);
 /// The bytes of a notebook file converted as nbtext converts a file, by
 /// the plain-text renderer.
 int FuzzConvertText(const uint8_t* theData, size_t theSize);
+/// The same by the HTML renderer.
+int FuzzConvertHTML(const uint8_t* theData, size_t theSize);
 } // namespace NbtextFuzz

@@ -63,6 +63,7 @@ INSTANTIATE_TEST_SUITE_P(Targets, FuzzRegressionTest,
                          testing::Values(Target{"escapes", NbtextFuzz::FuzzEscapes},
                                          Target{"reader", NbtextFuzz::FuzzReader},
                                          Target{"parse", NbtextFuzz::FuzzParse},
-                                         Target{"convert_text", NbtextFuzz::FuzzConvertText}),
+                                         Target{"convert_text", NbtextFuzz::FuzzConvertText},
+                                         Target{"convert_html", NbtextFuzz::FuzzConvertHTML}),
                          [](const testing::TestParamInfo<Target>& theInfo) { return theInfo.param.name; });
 } // namespace
