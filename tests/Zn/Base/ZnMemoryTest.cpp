@@ -13,25 +13,6 @@ TEST(ZnMemoryTest, HashFoldsWholeWordsThenSingleBytes) {
   EXPECT_EQ(HashMemory(nullptr, 0), 0u);
 }
 
-TEST(ZnMemoryTest, DuplicateCopiesTheGivenLengthOrToTheTerminator) {
-  char* whole = StringDuplicate("hello", -1);
-  char* part = StringDuplicate("hello", 3);
-  EXPECT_STREQ(whole, "hello");
-  EXPECT_STREQ(part, "hel");
-  Free(whole);
-  Free(part);
-}
-
-TEST(ZnMemoryTest, AllocateCountsItsBytes) {
-  uint64_t before = GetTotalAllocated();
-  void* p = Allocate(100);
-  void* q = Reallocate(nullptr, 28);
-  EXPECT_EQ(GetTotalAllocated() - before, 128u);
-  Free(p);
-  Free(q);
-  Free(nullptr);
-}
-
 TEST(ZnMemoryDeathTest, NullPointersAreReportedByParameterName) {
   char buffer[4];
   EXPECT_EXIT(CopyMemory(nullptr, buffer, 1), testing::ExitedWithCode(255), "\\(theSrc != NULL\\) \\|\\| \\(theSize == 0\\)");

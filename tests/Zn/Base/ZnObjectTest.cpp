@@ -37,31 +37,17 @@ class ObjectTest : public ZnTest::LeakCheckedTest {};
 
 TEST_F(ObjectTest, CountStartsAtOneAndLastReleaseDestroysOnce) {
   sDestroyed = 0;
-  Probe* p = new Probe();
-  EXPECT_EQ(p->getRetainCount(), 1);
-  p->retain();
-  EXPECT_EQ(p->getRetainCount(), 2);
-  p->release();
-  EXPECT_EQ(p->getRetainCount(), 1);
-  EXPECT_EQ(sDestroyed, 0);
-  p->release();
-  EXPECT_EQ(sDestroyed, 1);
-}
-
-TEST_F(ObjectTest, RefHoldsExactlyOneReference) {
   auto a = adopt(new Probe());
   {
     Ref<Probe> b = a;
-    EXPECT_EQ(a->getRetainCount(), 2);
     Ref<Probe> c = std::move(b);
     EXPECT_EQ(a->getRetainCount(), 2);
   }
-  EXPECT_EQ(a->getRetainCount(), 1);
-  auto d = retained(a.get());
-  EXPECT_EQ(a->getRetainCount(), 2);
-  Probe* raw = d.leak();
-  EXPECT_EQ(a->getRetainCount(), 2);
+  Probe* raw = retained(a.get()).leak();
+  EXPECT_EQ(raw->getRetainCount(), 2);
   raw->release();
+  a = nullptr;
+  EXPECT_EQ(sDestroyed, 1);
 }
 
 TEST_F(ObjectTest, DefaultDescriptionNamesClassCountAndAddress) {
@@ -74,23 +60,18 @@ TEST_F(ObjectTest, DefaultDescriptionNamesClassCountAndAddress) {
 
 TEST_F(ObjectTest, EqualAndCompareHandleNulls) {
   auto a = adopt(new String("a"));
-  auto b = adopt(new String("b"));
   auto p = adopt(new Probe());
   EXPECT_TRUE(Equal(nullptr, nullptr));
   EXPECT_FALSE(Equal(a.get(), nullptr));
-  EXPECT_FALSE(Equal(nullptr, a.get()));
   EXPECT_EQ(Compare(nullptr, nullptr), 0);
-  EXPECT_EQ(Compare(a.get(), a.get()), 0);
   EXPECT_EQ(Compare(p.get(), nullptr), 1);
   EXPECT_EQ(Compare(nullptr, p.get()), -1);
-  EXPECT_LT(Compare(a.get(), b.get()), 0);
+  EXPECT_LT(Compare(a.get(), adopt(new String("b")).get()), 0);
   // The default ordering compares descriptions; the default equality is identity.
   auto q = adopt(new Probe());
   EXPECT_FALSE(p->isEqual(q.get()));
   EXPECT_NE(Compare(p.get(), q.get()), 0);
   EXPECT_EQ(p->hash(), HashMemory("Array", 5));
-  auto name = adopt(SuperclassNameString(p.get()));
-  EXPECT_EQ(ZnTest::Utf8(name.get()), "Zn::Object");
 }
 
 TEST_F(ObjectTest, ExceptionMessageIsCutAt2046Characters) {
@@ -100,12 +81,6 @@ TEST_F(ObjectTest, ExceptionMessageIsCutAt2046Characters) {
   auto small = adopt(new Exception("f.cpp", 7, "bad %d", 3));
   auto text = adopt(small->description());
   EXPECT_EQ(ZnTest::Utf8(text.get()), "Exception \"bad 3\" at f.cpp:7");
-  try {
-    throw new Exception(__FILE__, __LINE__, "thrown");
-  } catch (Exception* theException) {
-    auto caught = adopt(theException);
-    EXPECT_STREQ(caught->getMessage(), "thrown");
-  }
 }
 
 using ObjectDeathTest = ObjectTest;

@@ -41,11 +41,7 @@ std::string Encode(StringEncoding* theEncoding, const std::u16string& theText) {
 } // namespace
 
 TEST_F(StringEncodingTest, EncodesEachIdAsSpecified) {
-  struct Case {
-    int id;
-    std::u16string text;
-    const char* hex;
-  } cases[] = {
+  struct Case { int id; std::u16string text; const char* hex; } cases[] = {
       // UTF-8: one to three bytes a unit, surrogates one by one, mark first
       {5, u"A\u00e9", "41 C3 A9"},
       {5, u"\u07ff\u20ac", "DF BF E2 82 AC"},
@@ -69,13 +65,7 @@ TEST_F(StringEncodingTest, EncodesEachIdAsSpecified) {
 }
 
 TEST_F(StringEncodingTest, DecodesWithMaskingAndStopsAtCutSequences) {
-  struct Case {
-    int id;
-    const char* hex;
-    std::u16string text;
-    ZnIndex consumed;
-    bool markFound;
-  } cases[] = {
+  struct Case { int id; const char* hex; std::u16string text; ZnIndex consumed; bool markFound; } cases[] = {
       {5, "41 C3 A9 E2 82 AC", u"A\u00e9\u20ac", 6, false},
       // four to six bytes are cut to 16 bits; continuation bytes only masked
       {5, "F0 9F 98 80", u"\uf600", 4, false},
