@@ -81,10 +81,7 @@ TEST_F(IndexSetTest, CopiesKeepTheFormButShareNothing) {
 }
 
 TEST_F(IndexSetTest, MutableSetsAddAndRemove) {
-  struct Case {
-    void (*edit)(MutableIndexSet*);
-    const char* result;
-  };
+  struct Case { void (*edit)(MutableIndexSet*); const char* result; };
   static const Case cases[] = {
       {[](MutableIndexSet* s) { s->addIndicesInRange(Range(12, 4)); }, "{ 10, 11, 12, 13, 14, 15 }"},
       {[](MutableIndexSet* s) { s->addIndex(20); }, "{ 10, 11, 12, 20 }"},
