@@ -20,11 +20,7 @@ std::string Bytes(const Data* theData) {
 } // namespace
 
 TEST_F(WriterTest, LineEndsAreTranslatedAndIndented) {
-  struct Case {
-    int mode, indent;
-    const char* input;
-    const char* expected;
-  } cases[] = {
+  struct Case { int mode, indent; const char* input; const char* expected; } cases[] = {
       {Writer::kLineEndCRLF, 0, "a\r\nb", "a\r\nb"},
       {Writer::kLineEndCRLF, 1, "a\r\nb\n", "a\r\n\tb\r\n\t"},
       {Writer::kLineEndLF, 2, "a\r\nb\rc\nd", "a\n\t\tb\n\t\tc\n\t\td"},

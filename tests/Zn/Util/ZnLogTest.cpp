@@ -69,8 +69,3 @@ TEST_F(LogTest, AnUnopenableLogFileLosesTheLineQuietly) {
   Log(kLogLevelError, "lost");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
-
-TEST(ZnUtilTest, CurrentTimeIsNowWithFractions) {
-  double now = CurrentTime();
-  EXPECT_NEAR(now, double(time(nullptr)), 2.0);
-}
