@@ -89,11 +89,7 @@ std::string Bytes(const Data* theData) {
   return std::string(reinterpret_cast<const char*>(theData->getBytesPtr()), size_t(theData->getLength()));
 }
 
-struct EncodeCase {
-  std::u16string input;
-  uint32_t flags;
-  const char* expected;
-};
+struct EncodeCase { std::u16string input; uint32_t flags; const char* expected; };
 
 const EncodeCase kEncodeCases[] = {
     // Names follow the range bits; without them, hexadecimal escapes.
@@ -128,11 +124,7 @@ TEST_F(EncodingTest, EncodesUnitsAsSevenBitText) {
 }
 
 TEST_F(EncodingTest, EncodesBytesLeavingHighBytesRaw) {
-  const struct {
-    const char* input;
-    uint32_t flags;
-    const char* expected;
-  } kCases[] = {
+  const struct { const char* input; uint32_t flags; const char* expected; } kCases[] = {
       {"a\xE9\xFF", 0x10C, "a\xE9\xFF"},
       {"a\xE9", 0x002, "a\\[EAcute]"},
       {"\a\x1B\t\r\n\x7F", 0x000, "\\.07\\.1b\t\r\n\x7F"},
@@ -150,11 +142,7 @@ TEST_F(EncodingTest, EncodesBytesLeavingHighBytesRaw) {
 }
 
 namespace {
-struct EscapeCase {
-  std::u16string input;
-  uint32_t flags;
-  const char* expected;
-};
+struct EscapeCase { std::u16string input; uint32_t flags; const char* expected; };
 
 const EscapeCase kEscapeCases[] = {
     // Names follow the range bits.
@@ -209,16 +197,4 @@ TEST_F(EncodingTest, ReplacementsAreCopiedOnWrite) {
     encoding->escapeString(Ptr(text), ZnIndex(text.size()), out.get());
     EXPECT_EQ(ZnTest::Utf8(out.get()), expected);
   }
-}
-
-TEST_F(EncodingTest, LooksUpNamesAsStringsAndBytes) {
-  ZnUnichar code = 0;
-  auto alpha = adopt(new String("Alpha"));
-  auto lower = adopt(new String("alpha"));
-  EXPECT_TRUE(Encoding::lookupNamedCharacter(alpha.get(), &code));
-  EXPECT_EQ(code, 0x03B1);
-  EXPECT_FALSE(Encoding::lookupNamedCharacter(lower.get(), &code));
-  auto encoding = adopt(new Encoding(0));
-  EXPECT_TRUE(encoding->lookupNamedCharacter(reinterpret_cast<const uint8_t*>("Rule"), 4, &code));
-  EXPECT_EQ(code, 0xF522);
 }

@@ -49,11 +49,7 @@ Lexed Lex(const std::string& theText) {
   return lexed;
 }
 
-struct Case {
-  const char* text;
-  std::vector<int32_t> codes;
-  const char* values;
-};
+struct Case { const char* text; std::vector<int32_t> codes; const char* values; };
 
 void Check(const Case* theCases, size_t theCount) {
   for (size_t i = 0; i < theCount; ++i) {

@@ -61,10 +61,7 @@ std::string Repeat(const std::string& thePiece, int theCount) {
   return result;
 }
 
-struct Case {
-  const char* text;
-  const char* fullForm;
-};
+struct Case { const char* text; const char* fullForm; };
 
 void Check(const Case* theCases, size_t theCount) {
   for (size_t i = 0; i < theCount; ++i) {
@@ -219,11 +216,7 @@ TEST_F(ExprParserTest, BoxNotationBuildsRowsAndBoxes) {
 }
 
 TEST_F(ExprParserTest, SyntaxErrorsAreReportedAtTheOffendingToken) {
-  struct ErrorCase {
-    const char* text;
-    const char* message;
-    const char* where;
-  } cases[] = {
+  struct ErrorCase { const char* text; const char* message; const char* where; } cases[] = {
       {"a ]", "syntax error, unexpected ']'", "1:3-1:4 in (Memory Buffer)"},
       {"f[x,\n  y]]", "syntax error, unexpected ']'", "2:6-2:7 in (Memory Buffer)"},
       {"f[x", "syntax error, unexpected end of file", "1:4-1:4 in (Memory Buffer)"},
@@ -293,9 +286,7 @@ TEST_F(ExprParserTest, NestingUpToTheLimitParsesAndDeeperIsRefused) {
            Repeat(theClose, theLinear);
   };
   const int limit = kMaxNestingDepth;
-  struct Nest {
-    std::string atLimit, beyond, far;
-  } nests[] = {
+  struct Nest { std::string atLimit, beyond, far; } nests[] = {
       {nest(limit, "f[", "]", 0), nest(limit + 1, "f[", "]", 0), nest(100000, "f[", "]", 0)},
       {nest(limit, "{", "}", 0), nest(limit + 1, "{", "}", 0), nest(100000, "{", "}", 0)},
       {nest(limit, "(", ")", 0), nest(limit + 1, "(", ")", 0), nest(100000, "(", ")", 0)},
