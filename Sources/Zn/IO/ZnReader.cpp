@@ -13,6 +13,38 @@ Reader::Reader() : pushBack_(adopt(new MutableString(256))) {}
 
 Reader::~Reader() = default;
 
+bool Reader::takeFromSource(ZnUnichar* theOut) {
+  countWindow();
+  bool filled = fillWindow();
+  counted_ = window_;
+  if (filled) {
+    *theOut = *window_++;
+    return true;
+  }
+  if (!readRawCharacter(theOut))
+    return false;
+  if (*theOut == 10 || *theOut == 13) {
+    lastLineBreakOffset_ = characterCount_;
+    ++(*theOut == 10 ? lineFeedCount_ : carriageReturnCount_);
+  }
+  ++characterCount_;
+  return true;
+}
+
+void Reader::countWindow() const {
+  const ZnUnichar* p = counted_;
+  if (p == window_)
+    return;
+  for (; p < window_; ++p) {
+    if (*p == 10 || *p == 13) {
+      lastLineBreakOffset_ = characterCount_ + (p - counted_);
+      ++(*p == 10 ? lineFeedCount_ : carriageReturnCount_);
+    }
+  }
+  characterCount_ += window_ - counted_;
+  counted_ = window_;
+}
+
 bool Reader::peekCharacter(ZnUnichar* theOut) {
   ZnIndex pending = pushBack_->length();
   if (pending > 0) {
@@ -161,6 +193,7 @@ bool Reader::readInteger(int32_t* theOut, int theRadix) {
 }
 
 int64_t Reader::getLine() const {
+  countWindow();
   int64_t lf = lineFeedCount_, cr = carriageReturnCount_;
   const ZnUnichar* pending = pushBack_->getCharactersPtr();
   for (ZnIndex i = 0; i < pushBack_->length(); ++i) {
@@ -216,29 +249,33 @@ bool StreamReader::readRawCharacter(ZnUnichar* theOut) {
     *theOut = byte;
     return true;
   }
-  if (decodedIndex_ >= decoded_->length() && !fill(1))
-    return false;
-  *theOut = decoded_->getCharactersPtr()[decodedIndex_++];
+  if (window_ >= windowEnd_) {
+    countWindow();
+    if (!fillWindow())
+      return false;
+  }
+  *theOut = *window_++;
+  // A raw character is not counted: only take() counts.
+  skipCounting();
   return true;
 }
 
-bool StreamReader::fill(ZnIndex theCount) {
-  if (decodedIndex_ + theCount <= decoded_->length())
-    return true;
+bool StreamReader::fillWindow() {
+  if (!encoding_)
+    return false;
   // Everything delivered: empty the buffer, keeping its storage.
-  if (decodedIndex_ >= decoded_->length()) {
-    decoded_->setLength(0);
-    decodedIndex_ = 0;
-  }
+  decoded_->setLength(0);
   constexpr ZnIndex kBlockSize = 250;
   uint8_t block[kBlockSize];
   // A block may decode to nothing (a lone byte-order mark, a short read that
-  // ends inside a sequence), so blocks are read until enough came out.
-  while (decodedIndex_ + theCount > decoded_->length()) {
+  // ends inside a sequence), so blocks are read until something came out.
+  while (decoded_->length() == 0) {
     bool isFirst = stream_->getPosition() == 0;
     ZnIndex have = stream_->read(block, kBlockSize, -1.0);
-    if (have <= 0)
+    if (have <= 0) {
+      window_ = windowEnd_ = nullptr;
       return false;
+    }
     stream_->addToReadCount(have);
     for (;;) {
       ZnIndex consumed = encoding_->decodeBytes(block, have, decoded_.get(), isFirst);
@@ -257,6 +294,8 @@ bool StreamReader::fill(ZnIndex theCount) {
       have += more;
     }
   }
+  window_ = decoded_->getCharactersPtr();
+  windowEnd_ = window_ + decoded_->length();
   return true;
 }
 

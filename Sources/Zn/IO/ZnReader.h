@@ -59,15 +59,46 @@ public:
   /// Characters since the last line break. On the first line that is the
   /// characters consumed; on later lines the break itself counts as well.
   int64_t getColumn() const {
+    countWindow();
     return characterCount_ - pushBack_->length() - lastLineBreakOffset_;
   }
-  int64_t getCharacterCount() const { return characterCount_; }
+  int64_t getCharacterCount() const {
+    countWindow();
+    return characterCount_;
+  }
+
+  /// The characters that the next takes will deliver straight from the
+  /// source's buffer, for scanning a run of them at once: *theCount of them
+  /// (0 while characters wait in the push-back). Valid until the next read.
+  const ZnUnichar* getBufferedCharacters(ZnIndex* theCount) const {
+    *theCount = pushBack_->length() == 0 ? ZnIndex(windowEnd_ - window_) : 0;
+    return window_;
+  }
+  /// Takes theCount of the buffered characters, as readCharacter would.
+  void skipBufferedCharacters(ZnIndex theCount) { window_ += theCount; }
 
   const char* className() const override;
   const char* superclassName() const override;
 
 protected:
   ~Reader() override;
+
+  /// Decoded characters ready to be taken, so that reading one costs no
+  /// call. A subclass that decodes in blocks points the window at its buffer
+  /// in fillWindow(); the others leave it empty and are read one
+  /// readRawCharacter at a time.
+  const ZnUnichar* window_ = nullptr;
+  const ZnUnichar* windowEnd_ = nullptr;
+  /// Called when the window is empty: points it at the next characters of
+  /// the source (at least one) and returns true, or returns false at the
+  /// end or when the source has no buffer. The characters taken from the
+  /// old window have been counted.
+  virtual bool fillWindow() { return false; }
+  /// Marks the window's characters up to window_ as counted: they were
+  /// delivered raw, not taken.
+  void skipCounting() { counted_ = window_; }
+  /// Brings the counters up to date with the characters taken from the window.
+  void countWindow() const;
 
 private:
   bool take(ZnUnichar* theOut) {
@@ -77,21 +108,23 @@ private:
       pushBack_->setLength(pending - 1);
       return true;
     }
-    if (!readRawCharacter(theOut))
-      return false;
-    if (*theOut == 10 || *theOut == 13) {
-      lastLineBreakOffset_ = characterCount_;
-      ++(*theOut == 10 ? lineFeedCount_ : carriageReturnCount_);
+    if (window_ < windowEnd_) {
+      *theOut = *window_++;
+      return true;
     }
-    ++characterCount_;
-    return true;
+    return takeFromSource(theOut);
   }
+  /// The window is empty: refills it, or reads one raw character.
+  bool takeFromSource(ZnUnichar* theOut);
 
   Ref<MutableString> pushBack_;
-  int64_t characterCount_ = 0;
-  int64_t lineFeedCount_ = 0;
-  int64_t carriageReturnCount_ = 0;
-  int64_t lastLineBreakOffset_ = 0;
+  // Characters taken from the window are counted when the counters are
+  // read or the window is refilled: counted_ marks how far that has gone.
+  mutable const ZnUnichar* counted_ = nullptr;
+  mutable int64_t characterCount_ = 0;
+  mutable int64_t lineFeedCount_ = 0;
+  mutable int64_t carriageReturnCount_ = 0;
+  mutable int64_t lastLineBreakOffset_ = 0;
 };
 
 /// Characters decoded from a readable stream in blocks of 250 bytes. A
@@ -109,15 +142,13 @@ public:
 
 protected:
   ~StreamReader() override;
+  /// Decodes the next block into decoded_, the window.
+  bool fillWindow() override;
 
 private:
-  /// Decodes blocks until theCount characters are waiting; false when the
-  /// stream ends first.
-  bool fill(ZnIndex theCount);
   Ref<Stream> stream_;
   Ref<StringEncoding> encoding_;
   Ref<MutableString> decoded_;
-  ZnIndex decodedIndex_ = 0;
 };
 
 /// The characters of a string, named "(Memory Buffer)" in messages.
