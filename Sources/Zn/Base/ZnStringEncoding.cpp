@@ -189,6 +189,20 @@ ZnIndex UTF8Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mut
   ZnUnichar* out = start;
   ZnIndex i = 0;
   while (i < theCount) {
+    // Notebook text is nearly all ASCII: widen eight bytes at a time while
+    // none has its high bit set.
+    while (theCount - i >= 8) {
+      uint64_t word;
+      __builtin_memcpy(&word, theBytes + i, sizeof word); // an unaligned load
+      if (word & 0x8080808080808080u)
+        break;
+      for (int k = 0; k < 8; ++k)
+        out[k] = theBytes[i + k];
+      out += 8;
+      i += 8;
+    }
+    if (i >= theCount)
+      break;
     uint32_t b = theBytes[i];
     // Up to 0xBF one byte, stray continuation bytes included.
     if (b < 0xC0) {
