@@ -170,6 +170,20 @@ Lexer::~Lexer() = default;
 
 bool Lexer::get(ZnUnichar* theCharacter) { return reader_->readCharacter(theCharacter); }
 
+template <class Stop> ZnIndex Lexer::takeRun(MutableString* theText, Stop theStop) {
+  ZnIndex available;
+  const ZnUnichar* run = reader_->getBufferedCharacters(&available);
+  ZnIndex count = 0;
+  while (count < available && !theStop(run[count]))
+    ++count;
+  if (count > 0) {
+    if (theText)
+      theText->appendCharacters(run, count);
+    reader_->skipBufferedCharacters(count);
+  }
+  return count;
+}
+
 void Lexer::unget(ZnUnichar theCharacter) { reader_->unreadCharacter(theCharacter); }
 
 bool Lexer::skip(ZnUnichar theCharacter) {
@@ -228,6 +242,7 @@ int32_t Lexer::nextToken(ParseValue* theValue) {
 int32_t Lexer::scanLinear(ParseValue* theValue) {
   ZnUnichar c;
   for (;;) {
+    takeRun(nullptr, [](ZnUnichar theCharacter) { return !IsSpace(theCharacter); });
     if (!get(&c)) {
       markTokenStart(0);
       return 0;
@@ -490,6 +505,7 @@ bool Lexer::scanName(ZnUnichar theFirst) {
   for (;;) {
     if (IsNameStart(c) || (IsDigit(c) && text_->length() > 0)) {
       text_->appendCharacter(c);
+      takeRun(text_.get(), [](ZnUnichar theCharacter) { return !IsNameStart(theCharacter) && !IsDigit(theCharacter); });
     } else if (c == '\\') {
       // A named character or a hexadecimal escape belongs to the name as
       // the character it stands for.
@@ -769,6 +785,9 @@ int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
 bool Lexer::scanQuoted(MutableString* theText, bool theParseGroups) {
   ZnUnichar c;
   for (;;) {
+    takeRun(theText, [](ZnUnichar theCharacter) {
+      return theCharacter == '"' || theCharacter == '\\' || theCharacter == '\n' || theCharacter == '\r';
+    });
     if (!get(&c))
       return false;
     if (c == '"')
@@ -1013,6 +1032,9 @@ int32_t Lexer::scanRun(ZnUnichar theFirst, ParseValue* theValue) {
       text_->appendCharacter(c);
     } else if (c != '\\') {
       text_->appendCharacter(c);
+      takeRun(text_.get(), [](ZnUnichar theCharacter) {
+        return IsSpace(theCharacter) || theCharacter == '"' || theCharacter == '\\';
+      });
     } else {
       ZnUnichar next;
       if (!get(&next)) {

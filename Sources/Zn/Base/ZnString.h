@@ -84,6 +84,8 @@ public:
   /// Shortens (or, within the capacity, lengthens) the string.
   void setLength(ZnIndex theLength);
 
+  /// Removes the last unit and returns it; the string must not be empty.
+  ZnUnichar takeLastCharacter() { return characters_[--length_]; }
   void appendCharacter(ZnUnichar theCharacter) {
     if (length_ >= capacity_)
       ensureCapacity(length_ + 1);

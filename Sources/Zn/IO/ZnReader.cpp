@@ -32,17 +32,18 @@ bool Reader::takeFromSource(ZnUnichar* theOut) {
 }
 
 void Reader::countWindow() const {
-  const ZnUnichar* p = counted_;
-  if (p == window_)
-    return;
-  for (; p < window_; ++p) {
-    if (*p == 10 || *p == 13) {
-      lastLineBreakOffset_ = characterCount_ + (p - counted_);
+  const ZnUnichar* const start = counted_;
+  const ZnUnichar* const end = window_;
+  for (const ZnUnichar* p = start; p < end; ++p) {
+    // One test for the common case: nothing at or below CR is a line break
+    // but LF and CR themselves.
+    if (*p <= 13 && (*p == 10 || *p == 13)) {
+      lastLineBreakOffset_ = characterCount_ + (p - start);
       ++(*p == 10 ? lineFeedCount_ : carriageReturnCount_);
     }
   }
-  characterCount_ += window_ - counted_;
-  counted_ = window_;
+  characterCount_ += end - start;
+  counted_ = end;
 }
 
 bool Reader::peekCharacter(ZnUnichar* theOut) {

@@ -102,10 +102,8 @@ protected:
 
 private:
   bool take(ZnUnichar* theOut) {
-    ZnIndex pending = pushBack_->length();
-    if (pending > 0) {
-      *theOut = pushBack_->getCharactersPtr()[pending - 1];
-      pushBack_->setLength(pending - 1);
+    if (pushBack_->length() > 0) {
+      *theOut = pushBack_->takeLastCharacter();
       return true;
     }
     if (window_ < windowEnd_) {
