@@ -41,7 +41,7 @@ bool isRule(const Expr* theExpr) {
 
 /// The text of a string atom, or null for anything else. Borrowed.
 Zn::String* stringText(const Expr* theExpr) {
-  auto string = dynamic_cast<const CharacterString*>(theExpr);
+  auto string = Zn::ObjectCast<CharacterString>(theExpr);
   return string ? string->getValue() : nullptr;
 }
 
@@ -501,7 +501,7 @@ Zn::String* SearchIndexer::stringForBox(Expr* theBox, const IndexContext& theCon
 void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
   if (theLeaf->isEqual(HeadSymbol(Head::Null)))
     return;
-  if (auto symbol = dynamic_cast<Zn::Kx::Symbol*>(theLeaf)) {
+  if (auto symbol = Zn::ObjectCast<Zn::Kx::Symbol>(theLeaf)) {
     // The context (up to the last backquote) is no part of what a reader sees.
     Zn::String* name = symbol->getName();
     const ZnUnichar* units = name->getCharactersPtr();
@@ -669,7 +669,7 @@ Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape
 }
 
 bool isBoxExpression(const Expr* theExpr) {
-  auto head = theExpr && !theExpr->isAtom() ? dynamic_cast<Zn::Kx::Symbol*>(theExpr->head()) : nullptr;
+  auto head = theExpr && !theExpr->isAtom() ? Zn::ObjectCast<Zn::Kx::Symbol>(theExpr->head()) : nullptr;
   if (!head)
     return false;
   const Zn::String* name = head->getName();

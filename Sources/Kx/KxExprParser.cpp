@@ -187,7 +187,7 @@ ParseValue ExprParser::makeFlat(Head theHead, ParseValue theLeft, ParseValue the
   auto right = adopt(theRight.expr);
   Ref<MutableFunction> flat;
   int32_t depth = theLeft.depth;
-  auto* left = dynamic_cast<MutableFunction*>(theLeft.expr);
+  auto* left = ObjectCast<MutableFunction>(theLeft.expr);
   if (left && left->getRetainCount() == 1 && HasHead(left, theHead)) {
     flat = adopt(left);
   } else {

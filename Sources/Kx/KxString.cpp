@@ -52,7 +52,7 @@ String* CharacterString::stringValue() const {
 bool CharacterString::isEqual(const Object* theOther) const {
   if (theOther == this)
     return true;
-  const CharacterString* other = dynamic_cast<const CharacterString*>(theOther);
+  const CharacterString* other = ObjectCast<CharacterString>(theOther);
   return other && value_->isEqual(other->value_);
 }
 

@@ -16,7 +16,7 @@ protected:
 };
 
 /// Text, held as it was read (escapes already decoded).
-class CharacterString : public StringExpr {
+class CharacterString final : public StringExpr {
 public:
   /// Retains theValue unless theRetain is false (then it takes the +1).
   CharacterString(String* theValue, bool theRetain);

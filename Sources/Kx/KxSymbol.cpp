@@ -57,7 +57,7 @@ String* Symbol::inputFormString(const FormatContext* theContext) const {
 bool Symbol::isEqual(const Object* theOther) const {
   if (theOther == this)
     return true;
-  const Symbol* other = dynamic_cast<const Symbol*>(theOther);
+  const Symbol* other = ObjectCast<Symbol>(theOther);
   return other && name_->isEqual(other->name_);
 }
 

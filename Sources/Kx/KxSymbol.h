@@ -7,7 +7,7 @@ class MachineInteger;
 
 /// A name, such as x, Plus or System`List. The name keeps its context
 /// prefix; input form can strip it.
-class Symbol : public Expr {
+class Symbol final : public Expr {
 public:
   /// Retains theName unless theRetain is false (then it takes the +1).
   explicit Symbol(String* theName, bool theRetain = true);

@@ -1,5 +1,7 @@
 //===- ZnObject.h - Root of the reference-counted class tree --------------===//
 #pragma once
+#include <type_traits>
+#include <typeinfo>
 #include "Zn/Base/ZnTypes.h"
 
 namespace Zn {
@@ -52,6 +54,25 @@ protected:
 private:
   mutable ZnIndex refCount_;
 };
+
+/// theObject as a T* when theObject is a T, or null. An object whose class is
+/// exactly T is recognised by one comparison of type identities, and so is
+/// any object when T is final; other cases take a dynamic_cast, which walks
+/// Object's several bases and costs hundreds of instructions (the walk and
+/// the parser ask by the million).
+template <class T> const T* ObjectCast(const Object* theObject) {
+  if (theObject == nullptr)
+    return nullptr;
+  if (typeid(*theObject) == typeid(T))
+    return static_cast<const T*>(theObject);
+  if constexpr (std::is_final_v<T>)
+    return nullptr;
+  else
+    return dynamic_cast<const T*>(theObject);
+}
+template <class T> T* ObjectCast(Object* theObject) {
+  return const_cast<T*>(ObjectCast<T>(static_cast<const Object*>(theObject)));
+}
 
 /// True for the same pointer (two nulls included), false when one is null.
 bool Equal(const Object* theA, const Object* theB);

@@ -260,10 +260,22 @@ ZnIndex String::indexOfCString(const char* theASCII, bool theCaseSensitive, ZnIn
                  theCaseSensitive, theFromIndex);
 }
 
+namespace {
+/// Strings come in two classes; each is recognised without a dynamic_cast.
+const String* AsString(const Object* theObject) {
+  if (theObject == nullptr)
+    return nullptr;
+  const std::type_info& type = typeid(*theObject);
+  if (type == typeid(String) || type == typeid(MutableString))
+    return static_cast<const String*>(theObject);
+  return dynamic_cast<const String*>(theObject);
+}
+} // namespace
+
 bool String::isEqual(const Object* theOther) const {
   if (theOther == this)
     return true;
-  const String* other = dynamic_cast<const String*>(theOther);
+  const String* other = AsString(theOther);
   if (other == nullptr || other->length_ != length_)
     return false;
   return length_ == 0 || std::memcmp(characters_, other->characters_, Sys::size_t(length_) * 2) == 0;
@@ -272,7 +284,7 @@ bool String::isEqual(const Object* theOther) const {
 int32_t String::compare(const Object* theOther) const {
   if (theOther == this)
     return 0;
-  const String* other = dynamic_cast<const String*>(theOther);
+  const String* other = AsString(theOther);
   if (other == nullptr)
     return Object::compare(theOther);
   ZnIndex common = length_ < other->length_ ? length_ : other->length_;
