@@ -597,7 +597,12 @@ void SearchIndexer::resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, 
   ZnIndex i = 0;
   while (i < theLength) {
     if (theText[i] != '\\' || i + 1 >= theLength) {
-      theResult->appendCharacter(theText[i++]);
+      // Text up to the next backslash is copied as it is.
+      ZnIndex end = i + 1;
+      while (end < theLength && theText[end] != '\\')
+        ++end;
+      theResult->appendCharacters(theText + i, end - i);
+      i = end;
       continue;
     }
     // A box group is kept as written, for writeAtomText to parse.

@@ -54,6 +54,8 @@ void ReplacementTable::setReplacement(ZnUnichar theCode, const char* theText, Zn
   slot->text = StringDuplicate(theText, theLength);
   slot->length = theLength;
   slot->code = theCode;
+  if (theCode < lowestCode_)
+    lowestCode_ = theCode;
 }
 
 void ReplacementTable::assign(const ReplacementTable& theOther) {
@@ -74,5 +76,6 @@ void ReplacementTable::removeAll() {
   slots_ = nullptr;
   slotCount_ = 0;
   count_ = 0;
+  lowestCode_ = 0xFFFF;
 }
 } // namespace Zn::Kx

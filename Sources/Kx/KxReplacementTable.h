@@ -16,6 +16,8 @@ public:
   ~ReplacementTable();
 
   ZnIndex getCount() const { return count_; }
+  /// No code below this one has a replacement.
+  ZnUnichar getLowestCode() const { return lowestCode_; }
   /// The text written for theCode (terminated, borrowed until the table
   /// changes), or null when theCode has no replacement.
   const char* replacementForCode(ZnUnichar theCode, ZnIndex* theLength) const;
@@ -39,5 +41,6 @@ private:
   Slot* slots_ = nullptr;
   ZnIndex slotCount_ = 0;
   ZnIndex count_ = 0;
+  ZnUnichar lowestCode_ = 0xFFFF;
 };
 } // namespace Zn::Kx
