@@ -28,7 +28,10 @@ bool IsBlank(const Expr* theExpr) {
 
 ExprParser::ExprParser(Reader* theReader) : Parser(theReader) {}
 
-ExprParser::~ExprParser() = default;
+ExprParser::~ExprParser() {
+  while (!arguments_.isEmpty())
+    discard({arguments_.pop(), 0});
+}
 
 //===--- Running the grammar ----------------------------------------------------===//
 
@@ -36,7 +39,14 @@ int ExprParser::run(Lexer* theLexer) {
   lexer_ = theLexer;
   result_ = {nullptr, 0};
   refused_ = false;
+  // A parse that fails leaves its open lists behind; a sub-parse runs on top
+  // of the lists of the parse around it.
+  ZnIndex arguments = arguments_.getCount();
+  ZnIndex openLists = openLists_.getCount();
   int status = kxparse(this);
+  while (arguments_.getCount() > arguments)
+    discard({arguments_.pop(), 0});
+  openLists_.truncate(openLists);
   lexer_ = nullptr;
   if (status != 0 || refused_) {
     discard(result_);
@@ -161,13 +171,13 @@ ParseValue ExprParser::makeNull() { return {retained<Expr>(HeadSymbol(Head::Null
 
 ParseValue ExprParser::makeUnary(Head theHead, ParseValue theArgument) {
   auto argument = adopt(theArgument.expr);
-  return checked(new Function(HeadSymbol(theHead), argument.get()), theArgument.depth + 1);
+  return checked(Function::create(HeadSymbol(theHead), argument.get()), theArgument.depth + 1);
 }
 
 ParseValue ExprParser::makeBinary(Head theHead, ParseValue theLeft, ParseValue theRight) {
   auto left = adopt(theLeft.expr);
   auto right = adopt(theRight.expr);
-  return checked(new Function(HeadSymbol(theHead), left.get(), right.get()),
+  return checked(Function::create(HeadSymbol(theHead), left.get(), right.get()),
                  Deeper(theLeft.depth, theRight.depth) + 1);
 }
 
@@ -176,7 +186,7 @@ ParseValue ExprParser::makeTernary(Head theHead, ParseValue theFirst, ParseValue
   auto first = adopt(theFirst.expr);
   auto second = adopt(theSecond.expr);
   auto third = adopt(theThird.expr);
-  return checked(new Function(HeadSymbol(theHead), first.get(), second.get(), third.get()),
+  return checked(Function::create(HeadSymbol(theHead), first.get(), second.get(), third.get()),
                  Deeper(Deeper(theFirst.depth, theSecond.depth), theThird.depth) + 1);
 }
 
@@ -215,20 +225,20 @@ ParseValue ExprParser::makeFlat(Head theHead, ParseValue theLeft, ParseValue the
 ParseValue ExprParser::makeApplication(ParseValue theFunction, ParseValue theArgument) {
   auto function = adopt(theFunction.expr);
   auto argument = adopt(theArgument.expr);
-  return checked(new Function(function.get(), argument.get()), Deeper(theFunction.depth, theArgument.depth) + 1);
+  return checked(Function::create(function.get(), argument.get()), Deeper(theFunction.depth, theArgument.depth) + 1);
 }
 
 ParseValue ExprParser::makeDerivative(ParseValue theFunction) {
   auto function = adopt(theFunction.expr);
-  auto derivative = adopt(new Function(HeadSymbol(Head::Derivative), SharedOne()));
-  return checked(new Function(derivative.get(), function.get()), Deeper(1, theFunction.depth) + 1);
+  auto derivative = adopt(Function::create(HeadSymbol(Head::Derivative), SharedOne()));
+  return checked(Function::create(derivative.get(), function.get()), Deeper(1, theFunction.depth) + 1);
 }
 
 ParseValue ExprParser::makeApplyAtLevelOne(ParseValue theLeft, ParseValue theRight) {
   auto left = adopt(theLeft.expr);
   auto right = adopt(theRight.expr);
-  auto levels = adopt(new Function(HeadSymbol(Head::List), SharedOne()));
-  return checked(new Function(HeadSymbol(Head::Apply), left.get(), right.get(), levels.get()),
+  auto levels = adopt(Function::create(HeadSymbol(Head::List), SharedOne()));
+  return checked(Function::create(HeadSymbol(Head::Apply), left.get(), right.get(), levels.get()),
                  Deeper(Deeper(theLeft.depth, theRight.depth), 1) + 1);
 }
 
@@ -253,11 +263,45 @@ ParseValue ExprParser::makePattern(ParseValue theLeft, ParseValue theRight) {
   return makeBinary(Head::Pattern, theLeft, theRight);
 }
 
-ParseValue ExprParser::makeSequence() { return {new MutableFunction(2, nullptr), 1}; }
+ParseValue ExprParser::makeSequence() {
+  openLists_.push({arguments_.getCount(), 1});
+  return {nullptr, int32_t(openLists_.getCount() - 1)};
+}
+
+ParseValue ExprParser::makeMutableList() { return {new MutableFunction(2, nullptr), 1}; }
 
 ParseValue ExprParser::appendArgument(ParseValue theList, ParseValue theArgument) {
-  AsMutable(theList.expr)->appendArgument(theArgument.expr, false);
-  return checked(theList.expr, Deeper(theList.depth, theArgument.depth + 1));
+  if (theList.expr) {
+    AsMutable(theList.expr)->appendArgument(theArgument.expr, false);
+    return checked(theList.expr, Deeper(theList.depth, theArgument.depth + 1));
+  }
+  OpenList& list = openLists_.at(theList.depth);
+  arguments_.push(theArgument.expr);
+  list.depth = Deeper(list.depth, theArgument.depth + 1);
+  if (list.depth > kMaxExpressionDepth) {
+    refuse("expression nested too deeply");
+    list.depth = kMaxExpressionDepth;
+  }
+  return theList;
+}
+
+ParseValue ExprParser::closeSequence(ParseValue theSequence, Expr* theHead, ParseValue theFirst) {
+  ZnAssert(theSequence.expr == nullptr && theSequence.depth == openLists_.getCount() - 1, theSequence.depth);
+  OpenList list = openLists_.pop();
+  ZnIndex count = arguments_.getCount() - list.start;
+  int32_t depth = list.depth;
+  if (theFirst.expr) {
+    // Part[e, ...]: e goes in front of the list's arguments.
+    arguments_.push(nullptr);
+    Expr** slots = &arguments_.at(list.start);
+    MoveMemory(slots, slots + 1, Sys::size_t(count) * sizeof(Expr*));
+    slots[0] = theFirst.expr;
+    ++count;
+    depth = Deeper(depth, theFirst.depth + 1);
+  }
+  Function* function = Function::createAdopting(theHead, count > 0 ? &arguments_.at(list.start) : nullptr, count);
+  arguments_.truncate(list.start);
+  return checked(function, depth);
 }
 
 ParseValue ExprParser::makeCompound(ParseValue theFirst, ParseValue theSecond) {
@@ -266,24 +310,20 @@ ParseValue ExprParser::makeCompound(ParseValue theFirst, ParseValue theSecond) {
 }
 
 ParseValue ExprParser::makeFunction(ParseValue theHead, ParseValue theSequence) {
-  AsMutable(theSequence.expr)->setHead(theHead.expr, false);
-  return checked(theSequence.expr, Deeper(theSequence.depth, theHead.depth + 1));
+  ParseValue function = closeSequence(theSequence, theHead.expr, {nullptr, 0});
+  return checked(function.expr, Deeper(function.depth, theHead.depth + 1));
 }
 
 ParseValue ExprParser::makeList(ParseValue theSequence) {
-  AsMutable(theSequence.expr)->setHead(HeadSymbol(Head::List), true);
-  return theSequence;
+  return closeSequence(theSequence, retained<Expr>(HeadSymbol(Head::List)).leak(), {nullptr, 0});
 }
 
 ParseValue ExprParser::makePart(ParseValue theExpr, ParseValue theSequence) {
-  MutableFunction* part = AsMutable(theSequence.expr);
-  part->setHead(HeadSymbol(Head::Part), true);
-  part->insertArgument(theExpr.expr, 0, false);
-  return checked(part, Deeper(theSequence.depth, theExpr.depth + 1));
+  return closeSequence(theSequence, retained<Expr>(HeadSymbol(Head::Part)).leak(), theExpr);
 }
 
 ParseValue ExprParser::makeTagged(ParseValue theTag, ParseValue theLeft) {
-  return appendArgument(appendArgument(makeSequence(), theTag), theLeft);
+  return appendArgument(appendArgument(makeMutableList(), theTag), theLeft);
 }
 
 ParseValue ExprParser::finishTagged(Head theHead, ParseValue theTagged) {

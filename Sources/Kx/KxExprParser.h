@@ -1,5 +1,6 @@
 //===- KxExprParser.h - Parser of notebook expressions ---------------------===//
 #pragma once
+#include "Kx/KxExprStack.h"
 #include "Kx/KxLexer.h"
 #include "Kx/KxSymbol.h"
 #include "Zn/IO/ZnParser.h"
@@ -98,7 +99,10 @@ public:
   ParseValue makeNegation(ParseValue theArgument);
   /// Optional when theLeft is a pattern, Pattern otherwise (x:1, x_:1, x:_:1).
   ParseValue makePattern(ParseValue theLeft, ParseValue theRight);
-  /// An argument list being built: no head, no arguments.
+  /// An argument list being built: no head, no arguments. Its arguments
+  /// wait on the parser's argument stack until its bracket closes, when they
+  /// become a Function of exactly their number; the value stands for the
+  /// list (a null expression, and the list's place among the open ones).
   ParseValue makeSequence();
   /// Appends to a list built by the parser (argument list, compound expression).
   ParseValue appendArgument(ParseValue theList, ParseValue theArgument);
@@ -125,6 +129,21 @@ private:
   /// The value of a new node theNode of height theDepth; a node deeper than
   /// kMaxExpressionDepth refuses the input.
   ParseValue checked(Expr* theNode, int32_t theDepth);
+  /// The open argument list of theSequence, which must be the last one
+  /// opened: +1, theHead[theFirst (when not null), its arguments...]. The
+  /// head and theFirst are taken over.
+  ParseValue closeSequence(ParseValue theSequence, Expr* theHead, ParseValue theFirst);
+  /// A mutable list for the parser's own building (tagged assignments).
+  ParseValue makeMutableList();
+
+  /// An argument list waiting for its closing bracket: where its arguments
+  /// start on arguments_, and the height of the deepest of them plus one.
+  struct OpenList {
+    ZnIndex start;
+    int32_t depth;
+  };
+  ExprStack<Expr*> arguments_;
+  ExprStack<OpenList> openLists_;
 
   AtomTable atoms_;
   Lexer* lexer_ = nullptr;

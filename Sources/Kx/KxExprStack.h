@@ -19,6 +19,11 @@ public:
   ~ExprStack() { Free(items_); }
 
   bool isEmpty() const { return count_ == 0; }
+  ZnIndex getCount() const { return count_; }
+  /// The record at theIndex from the bottom; valid until the next push.
+  T& at(ZnIndex theIndex) { return items_[theIndex]; }
+  /// Drops the records from theCount up (the storage is kept).
+  void truncate(ZnIndex theCount) { count_ = theCount; }
   /// Valid until the next push.
   T& top() { return items_[count_ - 1]; }
   T pop() { return items_[--count_]; }

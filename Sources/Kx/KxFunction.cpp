@@ -5,6 +5,7 @@
 #include "Kx/KxSymbol.h"
 #include "Zn/Base/ZnMemory.h"
 #include "Zn/Collection/ZnArray.h"
+#include <new>
 
 namespace Zn::Kx {
 
@@ -74,6 +75,23 @@ Function::Function(Expr* theHead, const Array* theArguments) {
   }
 }
 
+Function* Function::allocate(ZnIndex theLength) {
+  static_assert(sizeof(Function) % alignof(Expr*) == 0, "the parts follow the object");
+  void* memory = Allocate(sizeof(Function) + Sys::size_t(theLength + 1) * sizeof(Expr*));
+  Function* function = ::new (memory) Function();
+  function->parts_ = function->inlineParts();
+  function->length_ = theLength;
+  return function;
+}
+
+Function* Function::createAdopting(Expr* theHead, Expr* const* theArguments, ZnIndex theLength) {
+  Function* function = allocate(theLength);
+  function->parts_[0] = theHead;
+  if (theLength > 0)
+    CopyMemory(theArguments, function->parts_ + 1, Sys::size_t(theLength) * sizeof(Expr*));
+  return function;
+}
+
 Function* Function::createRule(Expr* theLeft, Expr* theRight) {
   return new Function(HeadSymbol(Head::Rule), theLeft, theRight);
 }
@@ -102,7 +120,8 @@ void Function::releaseParts() {
         else
           part->release();
       }
-      Free(function->parts_);
+      if (function->parts_ != function->inlineParts())
+        Free(function->parts_);
       function->parts_ = nullptr;
       function->length_ = 0;
     }

@@ -43,6 +43,19 @@ public:
   }
   /// +1. Rule[theLeft, theRight].
   static Function* createRule(Expr* theLeft, Expr* theRight);
+  /// +1. theHead[theArguments...] with its parts in the object's own
+  /// allocation: one block per node, of exactly the size needed (the parser
+  /// makes millions of them). Each part gains a reference.
+  template <ExprPointer... Args> static Function* create(Expr* theHead, Args... theArguments) {
+    Expr* parts[] = {theHead, static_cast<Expr*>(theArguments)...};
+    Function* function = allocate(sizeof...(Args));
+    for (ZnIndex i = 0; i <= ZnIndex(sizeof...(Args)); ++i)
+      function->parts_[i] = parts[i] ? static_cast<Expr*>(parts[i]->retain()) : nullptr;
+    return function;
+  }
+  /// +1. The same from theHead (taken over) and theLength arguments at
+  /// theArguments, whose references the function takes over.
+  static Function* createAdopting(Expr* theHead, Expr* const* theArguments, ZnIndex theLength);
 
   /// Full form, or input form driven by the operator table.
   void writeInputForm(Writer* theWriter, const FormatContext* theContext) const override;
@@ -70,6 +83,12 @@ protected:
 
 private:
   struct Flatten {};
+  /// A function of theLength arguments whose parts (uninitialised) follow
+  /// the object in the same block.
+  static Function* allocate(ZnIndex theLength);
+  Expr** inlineParts() const {
+    return reinterpret_cast<Expr**>(const_cast<char*>(reinterpret_cast<const char*>(this) + sizeof(Function)));
+  }
   /// theList ends at its first null; with theFlatHead set, arguments with
   /// that head are spliced in.
   Function(Flatten, Expr* theHead, Expr* theFlatHead, Expr* const* theList);

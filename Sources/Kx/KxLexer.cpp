@@ -544,18 +544,18 @@ int32_t Lexer::scanBlank(Expr* thePatternName, ParseValue* theValue) {
   if (get(&c)) {
     if (IsNameStart(c) && scanName(c)) {
       auto head = adopt(parser_->getAtoms()->symbol(text_.get()));
-      blank = adopt(new Function(HeadSymbol(kind), head.get()));
+      blank = adopt(Function::create(HeadSymbol(kind), head.get()));
     } else {
       unget(c);
     }
   }
   if (!blank)
-    blank = adopt(new Function(HeadSymbol(kind)));
+    blank = adopt(Function::create(HeadSymbol(kind)));
   if (thePatternName == nullptr) {
     *theValue = {blank.leak(), 1};
     return KxFunction;
   }
-  *theValue = {new Function(HeadSymbol(Head::Pattern), thePatternName, blank.get()), 2};
+  *theValue = {Function::create(HeadSymbol(Head::Pattern), thePatternName, blank.get()), 2};
   return KxFunction;
 }
 
@@ -584,7 +584,7 @@ Expr* Lexer::scanIndex() {
 int32_t Lexer::scanSlot(ParseValue* theValue) {
   Head kind = skip('#') ? Head::SlotSequence : Head::Slot;
   auto number = adopt(scanIndex());
-  *theValue = {new Function(HeadSymbol(kind), number.get()), 1};
+  *theValue = {Function::create(HeadSymbol(kind), number.get()), 1};
   return KxFunction;
 }
 
@@ -594,7 +594,7 @@ int32_t Lexer::scanOut(ParseValue* theValue) {
   while (skip('%'))
     ++count;
   auto number = adopt(count > 1 ? new MachineInteger(-count) : scanIndex());
-  *theValue = {new Function(HeadSymbol(Head::Out), number.get()), 1};
+  *theValue = {Function::create(HeadSymbol(Head::Out), number.get()), 1};
   return KxFunction;
 }
 
@@ -943,7 +943,7 @@ int32_t Lexer::scanString(ParseValue* theValue) {
     *theValue = {retained(pieces->part(1)).leak(), piecesDepth_};
     return KxString;
   }
-  *theValue = {new Function(HeadSymbol(Head::RowBox), pieces.get()), piecesDepth_ + 2};
+  *theValue = {Function::create(HeadSymbol(Head::RowBox), pieces.get()), piecesDepth_ + 2};
   return KxString;
 }
 
