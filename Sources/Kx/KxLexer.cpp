@@ -72,8 +72,10 @@ bool EndsOperand(int32_t theToken) {
   }
 }
 
-/// +1. An immutable copy of theText.
-String* CopyText(const MutableString* theText) { return static_cast<String*>(theText->copy()); }
+/// +1. A string holding the units of theText.
+String* CopyText(const MutableString* theText) {
+  return String::createWithCharacters(theText->getCharactersPtr(), theText->length());
+}
 
 ParseValue Atom(Expr* theExpr) { return {theExpr, 0}; }
 
@@ -129,7 +131,7 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
     if (i == length)
       return retained(entry.atom).leak();
   }
-  auto characters = adopt(new String(text, length));
+  auto characters = adopt(String::createWithCharacters(text, length));
   Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
                            : static_cast<Expr*>(new CharacterString(characters.get(), true));
   if (count_ < kMaximumEntries && count_ * 2 < capacity_) {

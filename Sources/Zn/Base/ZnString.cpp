@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace Zn {
 
@@ -40,7 +41,23 @@ String::String(const ZnUnichar* theCharacters, ZnIndex theLength) {
   length_ = theLength;
 }
 
-String::~String() { Free(characters_); }
+String* String::createWithCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
+  ZnAssert((theCharacters != NULL) || (theLength == 0), 0);
+  static_assert(sizeof(String) % alignof(ZnUnichar) == 0, "the characters follow the object");
+  if (theLength <= 0)
+    return new String();
+  void* memory = Allocate(sizeof(String) + Sys::size_t(theLength) * 2);
+  String* string = ::new (memory) String();
+  string->characters_ = string->inlineCharacters();
+  string->length_ = theLength;
+  CopyMemory(theCharacters, string->characters_, Sys::size_t(theLength) * 2);
+  return string;
+}
+
+String::~String() {
+  if (characters_ != inlineCharacters())
+    Free(characters_);
+}
 
 //===--- Conversion with encodings -------------------------------------------===//
 

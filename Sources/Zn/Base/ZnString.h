@@ -24,6 +24,10 @@ public:
   /// +1. The same with the encoding numbered theEncodingID.
   static String* createWithBytes(const char* theString, ZnIndex theLength, int theEncodingID);
   static String* createWithData(const Data* theData, int theEncodingID);
+  /// +1. A copy of theLength units whose characters live in the object's own
+  /// allocation: one block of exactly the size needed, for the many strings
+  /// of a parsed document.
+  static String* createWithCharacters(const ZnUnichar* theCharacters, ZnIndex theLength);
 
   ZnIndex length() const { return length_; }
   ZnUnichar characterAtIndex(ZnIndex theIndex) const;
@@ -67,6 +71,11 @@ protected:
   ~String() override;
   ZnUnichar* characters_ = nullptr;
   ZnIndex length_ = 0;
+
+private:
+  ZnUnichar* inlineCharacters() const {
+    return reinterpret_cast<ZnUnichar*>(const_cast<char*>(reinterpret_cast<const char*>(this)) + sizeof(String));
+  }
 };
 
 /// A string that grows: capacities double from 1 and never shrink.
