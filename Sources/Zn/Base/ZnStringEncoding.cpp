@@ -178,6 +178,28 @@ ZnIndex UTF8Encoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mut
   return theCount;
 }
 
+namespace {
+/// Stores the eight bytes of theWord, as they lay in memory, as eight units.
+void WidenASCII(uint64_t theWord, ZnUnichar* theOut) {
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  // Spreads four bytes into the 16-bit lanes of a word: the first byte in
+  // the lowest lane, which a little-endian store puts first.
+  auto spread = [](uint64_t theBytes) {
+    theBytes = (theBytes | (theBytes << 16)) & 0x0000FFFF0000FFFFu;
+    return (theBytes | (theBytes << 8)) & 0x00FF00FF00FF00FFu;
+  };
+  uint64_t low = spread(theWord & 0xFFFFFFFFu), high = spread(theWord >> 32);
+  __builtin_memcpy(theOut, &low, sizeof low);
+  __builtin_memcpy(theOut + 4, &high, sizeof high);
+#else
+  uint8_t bytes[8];
+  __builtin_memcpy(bytes, &theWord, sizeof bytes);
+  for (int k = 0; k < 8; ++k)
+    theOut[k] = bytes[k];
+#endif
+}
+} // namespace
+
 ZnIndex UTF8Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString,
                                   bool theIsFirst) {
   if (theCount <= 0)
@@ -196,8 +218,7 @@ ZnIndex UTF8Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mut
       __builtin_memcpy(&word, theBytes + i, sizeof word); // an unaligned load
       if (word & 0x8080808080808080u)
         break;
-      for (int k = 0; k < 8; ++k)
-        out[k] = theBytes[i + k];
+      WidenASCII(word, out);
       out += 8;
       i += 8;
     }
