@@ -41,7 +41,7 @@ bool isRule(const Expr* theExpr) {
 
 /// The text of a string atom, or null for anything else. Borrowed.
 Zn::String* stringText(const Expr* theExpr) {
-  auto string = Zn::ObjectCast<CharacterString>(theExpr);
+  auto string = theExpr ? theExpr->asCharacterString() : nullptr;
   return string ? string->getValue() : nullptr;
 }
 
@@ -499,9 +499,10 @@ Zn::String* SearchIndexer::stringForBox(Expr* theBox, const IndexContext& theCon
 //===--- Atoms ------------------------------------------------------------===//
 
 void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
-  if (theLeaf->isEqual(HeadSymbol(Head::Null)))
+  auto symbol = theLeaf->asSymbol();
+  if (symbol && symbol->isEqual(HeadSymbol(Head::Null)))
     return;
-  if (auto symbol = Zn::ObjectCast<Zn::Kx::Symbol>(theLeaf)) {
+  if (symbol) {
     // The context (up to the last backquote) is no part of what a reader sees.
     Zn::String* name = symbol->getName();
     const ZnUnichar* units = name->getCharactersPtr();
@@ -674,7 +675,7 @@ Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape
 }
 
 bool isBoxExpression(const Expr* theExpr) {
-  auto head = theExpr && !theExpr->isAtom() ? Zn::ObjectCast<Zn::Kx::Symbol>(theExpr->head()) : nullptr;
+  auto head = theExpr && !theExpr->isAtom() ? theExpr->head()->asSymbol() : nullptr;
   if (!head)
     return false;
   const Zn::String* name = head->getName();

@@ -20,6 +20,8 @@ bool Expr::isAtom() const { return true; }
 bool Expr::isAtomic() const { return isAtom(); }
 
 const Function* Expr::asFunction() const { return nullptr; }
+const Symbol* Expr::asSymbol() const { return nullptr; }
+const CharacterString* Expr::asCharacterString() const { return nullptr; }
 
 String* Expr::fullFormString() const {
   auto text = adopt(new MutableString(256));

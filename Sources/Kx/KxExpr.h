@@ -10,7 +10,9 @@ class Writer;
 } // namespace Zn
 
 namespace Zn::Kx {
+class CharacterString;
 class Function;
+class Symbol;
 
 /// How an expression prints in input form. Passed by address; the default
 /// record is the one that description() and stringValue() use.
@@ -46,6 +48,10 @@ public:
   virtual bool isAtomic() const;
   /// The expression as a Function, or null for atoms.
   virtual const Function* asFunction() const;
+  /// The expression as a symbol or a string atom, or null: the walk asks
+  /// this of every atom and head, and one call is cheaper than a cast.
+  virtual const Symbol* asSymbol() const;
+  virtual const CharacterString* asCharacterString() const;
 
   /// +1. The full form as text.
   virtual String* fullFormString() const;

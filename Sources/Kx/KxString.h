@@ -31,6 +31,7 @@ public:
   void writeFullForm(Writer* theWriter) const override;
   /// +1. The text itself, without quotes.
   String* stringValue() const override;
+  const CharacterString* asCharacterString() const override { return this; }
 
   bool isEqual(const Object* theOther) const override;
   uint32_t hash() const override;

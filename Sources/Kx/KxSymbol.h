@@ -19,6 +19,7 @@ public:
   void writeInputForm(Writer* theWriter, const FormatContext* theContext) const override;
   void writeFullForm(Writer* theWriter) const override;
   Expr* head() const override;
+  const Symbol* asSymbol() const override { return this; }
   String* fullFormString() const override;
   String* inputFormString(const FormatContext* theContext) const override;
 
