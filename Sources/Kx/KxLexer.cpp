@@ -199,7 +199,8 @@ bool Lexer::skip(ZnUnichar theCharacter) {
 }
 
 void Lexer::markTokenStart(ZnIndex theConsumed) {
-  tokenColumn_ = reader_->getColumn() - theConsumed;
+  reader_->markPosition();
+  tokenConsumed_ = theConsumed;
   tokenBreaks_ = 0;
 }
 
@@ -207,7 +208,7 @@ void Lexer::getTokenRange(SourceRange* theRange) const {
   theRange->endLine = reader_->getLine();
   theRange->endColumn = reader_->getColumn();
   theRange->startLine = theRange->endLine - tokenBreaks_;
-  theRange->startColumn = tokenColumn_;
+  theRange->startColumn = reader_->getMarkedColumn() - tokenConsumed_;
 }
 
 int32_t Lexer::refuse(const char* theMessage) {

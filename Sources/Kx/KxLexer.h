@@ -151,8 +151,9 @@ private:
   int32_t pendingToken_ = 0;
   /// Set after "\*": the next token is the embedded element's text.
   bool readElement_ = false;
-  /// Position of the last token: its first column, and the line breaks inside it.
-  int64_t tokenColumn_ = 0;
+  /// Position of the last token: the reader's mark, taken when this many of
+  /// its characters had been read, and the line breaks inside it.
+  ZnIndex tokenConsumed_ = 0;
   int32_t tokenBreaks_ = 0;
   /// Text of the token being scanned, and of a box group inside a string.
   Ref<MutableString> text_;

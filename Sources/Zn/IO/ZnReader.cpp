@@ -31,19 +31,29 @@ bool Reader::takeFromSource(ZnUnichar* theOut) {
   return true;
 }
 
-void Reader::countWindow() const {
-  const ZnUnichar* const start = counted_;
-  const ZnUnichar* const end = window_;
-  for (const ZnUnichar* p = start; p < end; ++p) {
+void Reader::countRange(const ZnUnichar* theStart, const ZnUnichar* theEnd) const {
+  for (const ZnUnichar* p = theStart; p < theEnd; ++p) {
     // One test for the common case: nothing at or below CR is a line break
     // but LF and CR themselves.
     if (*p <= 13 && (*p == 10 || *p == 13)) {
-      lastLineBreakOffset_ = characterCount_ + (p - start);
+      lastLineBreakOffset_ = characterCount_ + (p - theStart);
       ++(*p == 10 ? lineFeedCount_ : carriageReturnCount_);
     }
   }
-  characterCount_ += end - start;
-  counted_ = end;
+  characterCount_ += theEnd - theStart;
+}
+
+void Reader::countWindow() const {
+  const ZnUnichar* start = counted_;
+  if (mark_) {
+    // The mark lies in the window, at or after what was counted.
+    countRange(start, mark_);
+    markedColumn_ = characterCount_ - markPending_ - lastLineBreakOffset_;
+    start = mark_;
+    mark_ = nullptr;
+  }
+  countRange(start, window_);
+  counted_ = window_;
 }
 
 bool Reader::peekCharacter(ZnUnichar* theOut) {
@@ -250,13 +260,11 @@ bool StreamReader::readRawCharacter(ZnUnichar* theOut) {
     *theOut = byte;
     return true;
   }
-  if (window_ >= windowEnd_) {
-    countWindow();
-    if (!fillWindow())
-      return false;
-  }
+  // What take() delivered is counted; a raw character is not.
+  countWindow();
+  if (window_ >= windowEnd_ && !fillWindow())
+    return false;
   *theOut = *window_++;
-  // A raw character is not counted: only take() counts.
   skipCounting();
   return true;
 }

@@ -66,6 +66,24 @@ public:
     countWindow();
     return characterCount_;
   }
+  /// Remembers the position before the next character, for
+  /// getMarkedColumn(): what getColumn() would answer now, without counting
+  /// the line breaks taken so far (they are counted when the window is).
+  /// A lexer marks the start of every token and asks only for an error.
+  void markPosition() {
+    markPending_ = pushBack_->length();
+    if (window_ == counted_) {
+      markedColumn_ = characterCount_ - markPending_ - lastLineBreakOffset_;
+      mark_ = nullptr;
+    } else {
+      mark_ = window_;
+    }
+  }
+  int64_t getMarkedColumn() const {
+    if (mark_)
+      countWindow();
+    return markedColumn_;
+  }
 
   /// The characters that the next takes will deliver straight from the
   /// source's buffer, for scanning a run of them at once: *theCount of them
@@ -99,6 +117,7 @@ protected:
   void skipCounting() { counted_ = window_; }
   /// Brings the counters up to date with the characters taken from the window.
   void countWindow() const;
+  void countRange(const ZnUnichar* theStart, const ZnUnichar* theEnd) const;
 
 private:
   bool take(ZnUnichar* theOut) {
@@ -123,6 +142,11 @@ private:
   mutable int64_t lineFeedCount_ = 0;
   mutable int64_t carriageReturnCount_ = 0;
   mutable int64_t lastLineBreakOffset_ = 0;
+  /// The marked position while the window's characters before it are not
+  /// yet counted; null once markedColumn_ holds its column.
+  mutable const ZnUnichar* mark_ = nullptr;
+  mutable int64_t markedColumn_ = 0;
+  ZnIndex markPending_ = 0;
 };
 
 /// Characters decoded from a readable stream in blocks of 250 bytes. A

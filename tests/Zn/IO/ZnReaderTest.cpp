@@ -118,6 +118,55 @@ TEST_F(ReaderTest, SequencesCutByTheBlockEndAreCompleted) {
   EXPECT_EQ(ReadAll(raw.get()), "\u00e9!");
 }
 
+// A stream reader hands out its decoded block without a call per character
+// and counts line breaks only when asked or when the block is used up. At
+// every point it must answer as a string reader does: across block ends,
+// with characters given back, after runs taken from the buffer at once, and
+// for a position marked long before it is asked for.
+TEST_F(ReaderTest, BlockReaderCountsAsAStringReaderDoes) {
+  std::string text;
+  for (int i = 0; i < 300; ++i)
+    text += i % 7 == 0 ? "\r\n" : i % 5 == 0 ? "\r" : i % 3 == 0 ? "\n" : "ab";
+  auto data = adopt(new Data(text.data(), ZnIndex(text.size())));
+  auto stream = adopt(Data::createReadStream(data.get()));
+  auto block = adopt(new StreamReader(stream.get(), adopt(StringEncodingWithID(5)).get()));
+  auto plain = ReaderOver(text.c_str());
+  ZnUnichar a = 0, b = 0;
+  for (int step = 0; plain->readCharacter(&b); ++step) {
+    ASSERT_TRUE(block->readCharacter(&a));
+    ASSERT_EQ(a, b) << step;
+    if (step % 19 == 0) {
+      // A run straight from the buffer, against the same characters one by one.
+      ZnIndex count = 0;
+      const ZnUnichar* run = block->getBufferedCharacters(&count);
+      count = count < 5 ? count : 5;
+      ZnUnichar c;
+      for (ZnIndex i = 0; i < count && plain->readCharacter(&c); ++i)
+        ASSERT_EQ(run[i], c) << step;
+      block->skipBufferedCharacters(count);
+    }
+    if (step % 23 == 0) {
+      block->markPosition();
+      plain->markPosition();
+    }
+    if (step % 13 == 0) {
+      block->unreadCharacter(a);
+      plain->unreadCharacter(b);
+    }
+    if (step % 17 == 0 || step % 13 == 0) {
+      EXPECT_EQ(block->getLine(), plain->getLine()) << step;
+      EXPECT_EQ(block->getColumn(), plain->getColumn()) << step;
+    }
+    if (step % 101 == 0) {
+      EXPECT_EQ(block->getMarkedColumn(), plain->getMarkedColumn()) << step;
+    }
+  }
+  EXPECT_FALSE(block->readCharacter(&a));
+  EXPECT_EQ(block->getCharacterCount(), plain->getCharacterCount());
+  EXPECT_EQ(block->getLine(), plain->getLine());
+  EXPECT_EQ(block->getMarkedColumn(), plain->getMarkedColumn());
+}
+
 TEST_F(ReaderDeathTest, SourcesMustExistAndBeReadable) {
   EXPECT_EXIT(adopt(new StreamReader(nullptr, nullptr)), testing::ExitedWithCode(255), "theStream != NULL");
   auto data = adopt(new MutableData());
