@@ -149,8 +149,11 @@ const EscapeCase kEscapeCases[] = {
     {u"\u03B1", 0x10C, "\\[Alpha]"},
     {u"\u03B1", 0x108, "\u03B1"},
     {u"\u221E\u00E9", 0x00D, "\u221E\u00E9"},
-    // Quotes and backslashes with their flag.
+    // Quotes and backslashes with their flag, also inside a run of plain text.
     {u"\"\\", 0x040, "\\\"\\\\"},
+    {u"say \"hi\" now", 0x040, "say \\\"hi\\\" now"},
+    // ASCII names break a run of plain text where a name exists.
+    {u"a!b c", 0x001, "a\\[RawExclamation]b\\[RawSpace]c"},
     // Control characters get a doubled backslash; tab, line feed, DEL and
     // non-ASCII, surrogates included, stay.
     {u"\a\r\t\n\x7F", 0x10C, "\\\\.07\\\\.0d\t\n\x7F"},
@@ -197,4 +200,15 @@ TEST_F(EncodingTest, ReplacementsAreCopiedOnWrite) {
     encoding->escapeString(Ptr(text), ZnIndex(text.size()), out.get());
     EXPECT_EQ(ZnTest::Utf8(out.get()), expected);
   }
+}
+
+// Plain ASCII text is copied in runs; a replacement of an ASCII character
+// still applies inside such a run.
+TEST_F(EncodingTest, AReplacedASCIICharacterIsReplacedInsideText) {
+  auto encoding = adopt(new Encoding(Encoding::kTextFlags));
+  encoding->setReplacement('x', "[x]");
+  const std::u16string text = u"a xy z\u2192";
+  auto out = adopt(new MutableString());
+  encoding->escapeString(Ptr(text), ZnIndex(text.size()), out.get());
+  EXPECT_EQ(ZnTest::Utf8(out.get()), "a [x]y z->");
 }

@@ -73,6 +73,23 @@ TEST_F(ExprTest, FunctionHashIsTheXorOfItsAtomsAtAnyDepth) {
   EXPECT_EQ(headless->hash(), HeadSymbol(Head::Sequence)->hash() ^ x->hash());
 }
 
+// The parser's functions keep their parts in the object's own block; they
+// read, hash and release like any other (the fixture checks the release).
+TEST_F(ExprTest, FunctionsInOneBlockReadLikeAnyOther) {
+  auto f = Sym("f"), x = Sym("x"), y = Int(2);
+  auto made = adopt<Expr>(Function::create(f.get(), x.get(), y.get()));
+  EXPECT_EQ(FullForm(made.get()), "f[x, 2]");
+  EXPECT_EQ(made->part(0), f.get());
+  EXPECT_EQ(made->hash(), F(f, x, y)->hash());
+  Expr* arguments[] = {retained(x.get()).leak(), retained(made.get()).leak()};
+  auto adopted = adopt<Expr>(Function::createAdopting(retained(f.get()).leak(), arguments, 2));
+  EXPECT_EQ(FullForm(adopted.get()), "f[x, f[x, 2]]");
+  EXPECT_EQ(FullForm(adopt<Expr>(Function::createAdopting(nullptr, nullptr, 0)).get()), "Sequence[]");
+  EXPECT_EQ(made->getRetainCount(), 2);
+  adopted = nullptr;
+  EXPECT_EQ(made->getRetainCount(), 1);
+}
+
 TEST_F(ExprTest, NegatedFlipsSignsAndWrapsOtherExpressionsInMinus) {
   struct Case { Ref<Expr> value; const char* text; int32_t integer; } cases[] = {
       {Big("-12", -12.0), "12", 12},

@@ -30,6 +30,22 @@ TEST_F(StringTest, GrowthDoublesFromOneToTheNeededLength) {
   EXPECT_EQ(ZnTest::Utf8(s.get()), "abcdefghijklmnopq");
 }
 
+// A string whose units live in its own block is like any other string.
+TEST_F(StringTest, StringsInOneBlockCompareAndCopyLikeAnyOther) {
+  const ZnUnichar units[] = {'n', 0x00E9, 'b'};
+  auto inline3 = adopt(String::createWithCharacters(units, 3));
+  auto usual = adopt(new String(units, 3));
+  EXPECT_TRUE(inline3->isEqual(usual.get()));
+  EXPECT_TRUE(usual->isEqual(inline3.get()));
+  EXPECT_EQ(inline3->hash(), usual->hash());
+  EXPECT_EQ(inline3->compare(adopt(new MutableString(usual.get())).get()), 0);
+  EXPECT_EQ(adopt(String::createWithCharacters(nullptr, 0))->length(), 0);
+  auto thawed = adopt(static_cast<MutableString*>(inline3->mutableCopy()));
+  thawed->appendCharacter('!');
+  EXPECT_EQ(ZnTest::Utf8(inline3.get()), "n\u00e9b");
+  EXPECT_EQ(ZnTest::Utf8(thawed.get()), "n\u00e9b!");
+}
+
 TEST_F(StringTest, FormatConversions) {
   auto object = S("obj");
   EXPECT_EQ(Format("%@|%@", object.get(), nullptr), "obj|(NULL)");
