@@ -357,8 +357,15 @@ void MutableString::appendCharacters(const ZnUnichar* theCharacters, ZnIndex the
   if (theLength <= 0)
     return;
   ensureCapacity(length_ + theLength);
-  CopyMemory(theCharacters, characters_ + length_, Sys::size_t(theLength) * 2);
+  ZnUnichar* out = characters_ + length_;
   length_ += theLength;
+  // Most runs are a few units: not worth a call.
+  if (theLength <= 16) {
+    for (ZnIndex i = 0; i < theLength; ++i)
+      out[i] = theCharacters[i];
+    return;
+  }
+  CopyMemory(theCharacters, out, Sys::size_t(theLength) * 2);
 }
 
 void MutableString::appendCString(const char* theString, ZnIndex theLength) {
