@@ -537,6 +537,11 @@ void SearchIndexer::writeResolvedText(const ZnUnichar* theCharacters, ZnIndex th
                                       const IndexContext& theContext) {
   if (theLength == 0)
     return;
+  // Text that the encoding leaves as it is goes out without a copy.
+  if (characterEncoding_->plainLength(theCharacters, theLength) == theLength) {
+    theContext.writer->putCharacters(theCharacters, theLength);
+    return;
+  }
   Scratch out(this);
   characterEncoding_->escapeString(theCharacters, theLength, out.get());
   theContext.writer->putCharacters(out->getCharactersPtr(), out->length());
@@ -618,6 +623,14 @@ void SearchIndexer::resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, 
 }
 
 void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, const IndexContext& theContext) {
+  // Without a backslash there is no escape to resolve and no box group.
+  ZnIndex backslash = 0;
+  while (backslash < theLength && theText[backslash] != '\\')
+    ++backslash;
+  if (backslash == theLength) {
+    writeResolvedText(theText, theLength, theContext);
+    return;
+  }
   // Box groups can only be found once the escapes around them are resolved:
   // a group inside a string inside a string is written "\\!\\(...\\)".
   Scratch resolved(this);

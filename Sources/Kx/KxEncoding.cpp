@@ -301,26 +301,28 @@ ZnIndex Encoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mutable
   return theCount;
 }
 
-void Encoding::escapeString(const ZnUnichar* theCharacters, ZnIndex theCount, MutableString* theString) const {
-  ZnAssert(theString != NULL, 0);
-  StringSink sink{theString};
-  // Printable ASCII, tabs and line feeds below the first replaced code go
-  // out as they are when ASCII is not written by name: a run of them is
-  // copied at once. A quote or a backslash ends the run when it needs one.
+ZnIndex Encoding::plainLength(const ZnUnichar* theCharacters, ZnIndex theCount) const {
   const uint32_t lowest = replacements_->getLowestCode();
   const uint32_t plainLimit = (flags_ & kNameASCII) ? 0 : lowest < 128 ? lowest : 128;
   const bool escapeQuotes = (flags_ & kEscapeQuotes) != 0;
-  auto isPlain = [plainLimit, escapeQuotes](ZnUnichar theCode) {
-    return theCode < plainLimit && (theCode > 31 || theCode == '\t' || theCode == '\n') &&
-           !(escapeQuotes && (theCode == '"' || theCode == '\\'));
-  };
+  ZnIndex i = 0;
+  for (; i < theCount; ++i) {
+    const ZnUnichar c = theCharacters[i];
+    if (c >= plainLimit || (c < 32 && c != '\t' && c != '\n') || (escapeQuotes && (c == '"' || c == '\\')))
+      break;
+  }
+  return i;
+}
+
+void Encoding::escapeString(const ZnUnichar* theCharacters, ZnIndex theCount, MutableString* theString) const {
+  ZnAssert(theString != NULL, 0);
+  StringSink sink{theString};
   for (ZnIndex i = 0; i < theCount; ++i) {
-    ZnIndex run = i;
-    while (run < theCount && isPlain(theCharacters[run]))
-      ++run;
-    if (run > i) {
-      theString->appendCharacters(theCharacters + i, run - i);
-      i = run - 1;
+    // A run of plain characters is copied at once.
+    ZnIndex run = plainLength(theCharacters + i, theCount - i);
+    if (run > 0) {
+      theString->appendCharacters(theCharacters + i, run);
+      i += run - 1;
       continue;
     }
     ZnUnichar c = theCharacters[i];

@@ -67,6 +67,11 @@ public:
   /// replacements and names as the flags say; other control characters but
   /// tab and line feed as "\\.xx" (two backslashes); everything else as it is.
   void escapeString(const ZnUnichar* theCharacters, ZnIndex theCount, MutableString* theString) const;
+  /// How many of theCharacters, from the first, escapeString copies as they
+  /// are: printable ASCII, tabs and line feeds below the first replaced code,
+  /// when ASCII is not written by name (and quotes and backslashes when they
+  /// are not escaped). A text that is all plain can be written unchanged.
+  ZnIndex plainLength(const ZnUnichar* theCharacters, ZnIndex theCount) const;
 
   /// Adds or changes a replacement of this encoding only (theText is ASCII
   /// and copied; "" drops the character).
