@@ -105,8 +105,9 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
     hash = (hash ^ text[i]) * 16777619u;
   hash ^= theIsSymbol ? 1 : 0;
   if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
-    // Rehash into twice the room.
-    ZnIndex capacity = capacity_ == 0 ? 1024 : capacity_ * 2;
+    // Rehash into twice the room. A small start: the parsers that the walk
+    // makes for box groups in strings read a few atoms each.
+    ZnIndex capacity = capacity_ == 0 ? 64 : capacity_ * 2;
     auto* slots = static_cast<Entry*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(Entry)));
     for (ZnIndex i = 0; i < capacity_; ++i) {
       if (!slots_[i].atom)
