@@ -488,8 +488,21 @@ void SearchIndexer::indexTextContainer(Expr* theBox, const IndexContext& theCont
   walkArguments(theBox, 1, context);
 }
 
+// A menu's labels are rendered into strings, and a label may hold another
+// menu: each level copies all the text of the levels inside it, and the
+// menu's indentation makes that text grow with the square of the height. A
+// tower of such controls, which no real notebook holds, would take time by
+// the cube of its height; below this many levels its labels are empty.
+constexpr ZnIndex kMaxNestedLabels = 32;
+
 Zn::String* SearchIndexer::stringForBox(Expr* theBox, const IndexContext& theContext) {
   auto text = adopt(new Zn::MutableString(32));
+  if (labelDepth_ >= kMaxNestedLabels)
+    return text.leak();
+  struct Nesting {
+    ZnIndex& depth;
+    ~Nesting() { --depth; }
+  } nesting{++labelDepth_};
   IndexContext context = theContext;
   context.writer = adopt(new Zn::StringWriter(text.get()));
   indexBox(theBox, context);

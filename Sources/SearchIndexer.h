@@ -188,6 +188,8 @@ private:
   ZnIndex graphicsCount_ = 0;
   ZnIndex styleDataCount_ = 0;
   bool indent_ = true;
+  /// How many stringForBox calls are under way, one inside the other.
+  ZnIndex labelDepth_ = 0;
   /// Reusable text buffers, so that writing an atom allocates nothing once
   /// the walk is under way.
   static constexpr ZnIndex kScratchPoolSize = 8;

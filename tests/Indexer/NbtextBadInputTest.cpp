@@ -7,6 +7,7 @@
 //
 //===----------------------------------------------------------------------===//
 #include <gtest/gtest.h>
+#include <chrono>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -190,6 +191,35 @@ TEST(NbtextBadInputTest, NestingJustOverTheParsersLimitIsRefused) {
     NbtextTest::Run run = RunNbtext({file});
     EXPECT_EQ(run.status, 255) << what << ": " << run.err.substr(0, 800);
     EXPECT_NE(run.err.find("could not index file " + file), std::string::npos) << what;
+  }
+}
+
+// Controls whose labels hold controls, as deep as the parser allows and
+// many of them: each must cost time in proportion to its size, not to the
+// cube of its depth.
+TEST(NbtextBadInputTest, TowersOfMenusConvertQuickly) {
+  const int32_t towers = kReduced ? 4 : 16;
+  const int32_t height = (Zn::Kx::kMaxNestingDepth - 8) / 2;
+  const struct {
+    const char* what;
+    std::string boxes;
+    int32_t count; // the cheaper a tower, the more of them
+  } shapes[] = {
+      {"popup menus", Repeat("PopupMenuBox[x, {a -> ", height) + "\"x\"" + Repeat("}]", height), towers},
+      {"action menus", Repeat("ActionMenuBox[\"m\", {", height) + "\"x\"" + Repeat(" :> f}]", height), towers},
+  };
+  TempDir dir;
+  for (const auto& [what, boxes, count] : shapes) {
+    std::string cells = Repeat("Cell[BoxData[" + boxes + "], \"Input\"], ", count - 1);
+    std::string file = dir.write("towers.nb", "Notebook[{" + cells + "Cell[BoxData[" + boxes + "], \"Input\"]}]");
+    for (const char* renderer : {"-text", "-html"}) {
+      auto start = std::chrono::steady_clock::now();
+      NbtextTest::Run run = RunNbtext(renderer[1] == 'h' ? std::vector<std::string>{"-html", file}
+                                                         : std::vector<std::string>{file});
+      std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+      EXPECT_EQ(run.status, 0) << what << " " << renderer << ": " << run.err.substr(0, 800);
+      EXPECT_LT(seconds.count(), 5.0) << what << " " << renderer;
+    }
   }
 }
 
