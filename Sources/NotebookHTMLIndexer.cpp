@@ -175,8 +175,18 @@ void NotebookHTMLIndexer::writeMarkupFormat(Zn::Writer* theWriter, const char* t
 
 void NotebookHTMLIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
   // Comments, strings and local variables of input code come back as style
-  // boxes, which become coloured spans.
+  // boxes, which become coloured spans. Code is marked up with everything
+  // inside it, cells included: an input cell inside one is not done again,
+  // which for cells nested in cells would take time by the square of the depth.
+  if (inDecoratedCode_ || !isCodeCell(theBox)) {
+    NotebookTextIndexer::indexBox(theBox, theContext);
+    return;
+  }
   auto decorated = adopt(decorateBox(theBox, false));
+  struct Inside {
+    bool& flag;
+    ~Inside() { flag = false; }
+  } inside{inDecoratedCode_ = true};
   NotebookTextIndexer::indexBox(decorated.get(), theContext);
 }
 

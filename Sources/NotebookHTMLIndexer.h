@@ -83,4 +83,6 @@ private:
   Zn::Ref<Zn::Object> styleDefinitions_;
   /// The plain-text renderer behind stringForBox, kept for the whole run.
   Zn::Ref<NotebookTextIndexer> textRenderer_;
+  /// Set while the walk is inside code that decorateBox has marked up.
+  bool inDecoratedCode_ = false;
 };

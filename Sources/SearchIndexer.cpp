@@ -1461,13 +1461,17 @@ Expr* CodeDecorator::markVariable(Expr* theVariable) {
 }
 } // namespace
 
-Expr* SearchIndexer::decorateBox(Expr* theBox, bool theIsCode) {
+bool SearchIndexer::isCodeCell(Expr* theBox) {
   using namespace Vocabulary;
+  return Cell.isHeadOf(theBox) && theBox->length() >= 2 &&
+         (Input.isNameOf(theBox->part(2)) || Code.isNameOf(theBox->part(2)));
+}
+
+Expr* SearchIndexer::decorateBox(Expr* theBox, bool theIsCode) {
   CodeDecorator decorator;
   if (theIsCode)
     return decorator.decorate(theBox);
-  if (!Cell.isHeadOf(theBox) || theBox->length() < 2 ||
-      !(Input.isNameOf(theBox->part(2)) || Code.isNameOf(theBox->part(2))))
+  if (!isCodeCell(theBox))
     return static_cast<Expr*>(theBox->retain());
   // Only the contents are code; the style and the options stay.
   ZnIndex position = 0;

@@ -68,6 +68,9 @@ public:
   /// +1. The box with the code of input cells marked up by style boxes; see
   /// the .cpp for what is marked. theIsCode treats theBox itself as code.
   virtual Zn::Kx::Expr* decorateBox(Zn::Kx::Expr* theBox, bool theIsCode);
+  /// Whether theBox is a cell whose contents decorateBox marks up as code
+  /// (style "Input" or "Code").
+  static bool isCodeCell(Zn::Kx::Expr* theBox);
   virtual void beginDocument(Zn::Kx::Expr* theNotebook);
   virtual void endDocument(Zn::Kx::Expr* theNotebook);
   /// theContext.cellStyle holds the cell's style name.

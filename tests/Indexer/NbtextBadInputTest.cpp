@@ -194,10 +194,10 @@ TEST(NbtextBadInputTest, NestingJustOverTheParsersLimitIsRefused) {
   }
 }
 
-// Controls whose labels hold controls, as deep as the parser allows and
-// many of them: each must cost time in proportion to its size, not to the
-// cube of its depth.
-TEST(NbtextBadInputTest, TowersOfMenusConvertQuickly) {
+// Controls whose labels hold controls, and input cells inside input cells,
+// as deep as the parser allows and many of them: each must cost time in
+// proportion to its size, not to the square or the cube of its depth.
+TEST(NbtextBadInputTest, TowersOfMenusAndCellsConvertQuickly) {
   const int32_t towers = kReduced ? 4 : 16;
   const int32_t height = (Zn::Kx::kMaxNestingDepth - 8) / 2;
   const struct {
@@ -207,6 +207,7 @@ TEST(NbtextBadInputTest, TowersOfMenusConvertQuickly) {
   } shapes[] = {
       {"popup menus", Repeat("PopupMenuBox[x, {a -> ", height) + "\"x\"" + Repeat("}]", height), towers},
       {"action menus", Repeat("ActionMenuBox[\"m\", {", height) + "\"x\"" + Repeat(" :> f}]", height), towers},
+      {"input cells", Repeat("Cell[", 2 * height) + "\"x\"" + Repeat(", \"Input\"]", 2 * height), 4 * towers},
   };
   TempDir dir;
   for (const auto& [what, boxes, count] : shapes) {
