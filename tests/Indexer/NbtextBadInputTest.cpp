@@ -194,6 +194,55 @@ TEST(NbtextBadInputTest, NestingJustOverTheParsersLimitIsRefused) {
   }
 }
 
+// Every kind of box nested as deep as the parser lets it, and the deepest
+// trees that chains of operators build, convert with both renderers: the
+// renderers' walks recurse once per level, and must not run out of stack in
+// any build, the sanitizers' included.
+TEST(NbtextBadInputTest, EveryBoxNestedToTheLimitConverts) {
+  const int32_t outer = 4; // Notebook[ { Cell[ BoxData[
+  const int32_t budget = Zn::Kx::kMaxNestingDepth - outer - 2;
+  const struct {
+    const char* open;
+    const char* close;
+    int32_t levels; // nesting that one repetition adds
+  } shapes[] = {
+      {"StyleBox[", ", ShowStringCharacters->False]", 1},
+      {"Cell[", ", \"Input\"]", 1},
+      {"PopupMenuBox[x, {a -> ", "}]", 2},
+      {"ActionMenuBox[\"m\", {", " :> f}]", 2},
+      {"InputFieldBox[", ", String]", 1},
+      {"TabViewBox[{{1, \"a\" -> ", "}}]", 3},
+      {"GridBox[{{", ", \"b\"}}]", 3},
+      {"ButtonBox[", ", BaseStyle->\"Hyperlink\", ButtonData->{URL[\"u\"], None}]", 1},
+      {"TooltipBox[", ", \"t\"]", 1},
+      {"SuperscriptBox[", ", 2]", 1},
+      {"FractionBox[", ", 2]", 1},
+      {"PaneSelectorBox[{True -> ", "}, True]", 2},
+      {"DynamicModuleBox[{}, ", "]", 1},
+      {"RowBox[{\"(\", ", ", \")\"}]", 2},
+  };
+  TempDir dir;
+  std::vector<std::pair<std::string, std::string>> notebooks;
+  for (const auto& shape : shapes) {
+    int32_t count = budget / shape.levels;
+    notebooks.emplace_back(shape.open, Repeat(shape.open, count) + "\"x\"" + Repeat(shape.close, count));
+  }
+  // Operators build two levels of tree for each level of nesting allowed.
+  const int32_t chain = 2 * Zn::Kx::kMaxNestingDepth;
+  notebooks.emplace_back("f@", Repeat("f@", chain) + "x");
+  notebooks.emplace_back("^", Repeat("a^", chain) + "x");
+  notebooks.emplace_back("!!", "x" + Repeat("!!", chain));
+  notebooks.emplace_back("->", Repeat("a->", chain) + "x");
+  for (const auto& [what, boxes] : notebooks) {
+    std::string file = dir.write("deep.nb", "Notebook[{Cell[BoxData[" + boxes + "], \"Input\"]}]");
+    for (const char* renderer : {"-text", "-html"}) {
+      NbtextTest::Run run = RunNbtext(renderer[1] == 'h' ? std::vector<std::string>{"-html", file}
+                                                         : std::vector<std::string>{file});
+      EXPECT_EQ(run.status, 0) << what << " " << renderer << ": " << run.err.substr(0, 800);
+    }
+  }
+}
+
 // Controls whose labels hold controls, and input cells inside input cells,
 // as deep as the parser allows and many of them: each must cost time in
 // proportion to its size, not to the square or the cube of its depth.
