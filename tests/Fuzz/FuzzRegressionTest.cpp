@@ -7,11 +7,10 @@
 //===----------------------------------------------------------------------===//
 #include <dirent.h>
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 #include "FuzzEntryPoints.h"
+#include "Indexer/NbtextRunner.h"
 #include "Support/ZnTestSupport.h"
 #include "Zn/Base/ZnAssert.h"
 
@@ -27,13 +26,6 @@ std::vector<std::string> FilesIn(const std::string& theDirectory) {
   }
   std::sort(files.begin(), files.end());
   return files;
-}
-
-std::string Contents(const std::string& thePath) {
-  std::ifstream in(thePath, std::ios::binary);
-  std::stringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
 }
 
 struct Target {
@@ -61,7 +53,7 @@ TEST_P(FuzzRegressionTest, KeptInputsRunCleanly) {
   std::string directory = NBTEXT_SOURCE_DIR "/tests/fuzz-regressions/" + std::string(GetParam().name);
   for (const std::string& file : FilesIn(directory)) {
     SCOPED_TRACE(file);
-    std::string bytes = Contents(file);
+    std::string bytes = NbtextTest::ReadFile(file);
     EXPECT_EQ(GetParam().entry(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()), 0);
   }
 }

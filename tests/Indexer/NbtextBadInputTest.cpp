@@ -8,14 +8,13 @@
 //===----------------------------------------------------------------------===//
 #include <gtest/gtest.h>
 #include <chrono>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <sys/stat.h>
 #include "Indexer/NbtextRunner.h"
 #include "Kx/KxExprParser.h"
 
 namespace {
+using NbtextTest::ReadFile;
 using NbtextTest::Run;
 using NbtextTest::RunNbtext;
 using NbtextTest::TempDir;
@@ -55,13 +54,6 @@ std::string Repeat(const std::string& theText, int32_t theCount) {
   for (int32_t i = 0; i < theCount; ++i)
     out += theText;
   return out;
-}
-
-std::string ReadFile(const std::string& thePath) {
-  std::ifstream in(thePath, std::ios::binary);
-  std::stringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
 }
 
 //===--- Damaged copies of real notebooks ----------------------------------===//

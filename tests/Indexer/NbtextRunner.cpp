@@ -36,8 +36,10 @@ std::string TempDir::write(const std::string& theName, const std::string& theCon
   return file;
 }
 
-std::string TempDir::read(const std::string& theName) const {
-  std::ifstream in(path_ + "/" + theName, std::ios::binary);
+std::string TempDir::read(const std::string& theName) const { return ReadFile(path_ + "/" + theName); }
+
+std::string ReadFile(const std::string& thePath) {
+  std::ifstream in(thePath, std::ios::binary);
   std::stringstream text;
   text << in.rdbuf();
   return text.str();
