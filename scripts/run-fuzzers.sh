@@ -7,7 +7,7 @@
 #
 # The inputs that each target finds interesting accumulate in
 # build-fuzz/corpus/TARGET; it starts from fuzz/seeds, samples/ and, when
-# present, the shared notebook corpus next to the checkout. Inputs that
+# present, the shared notebook corpus next to the (main) checkout. Inputs that
 # fail land in build-fuzz/artifacts/TARGET: minimise one with
 #   build-fuzz/fuzz/fuzz_TARGET -minimize_crash=1 -runs=10000 FILE
 # and keep it in tests/fuzz-regressions/TARGET/, where the test suite
@@ -24,7 +24,15 @@ TARGETS=("$@")
 export ASAN_OPTIONS=${ASAN_OPTIONS:-quarantine_size_mb=16:detect_leaks=1}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 seeds=(fuzz/seeds/notebooks samples)
-[ -d ../shared/corpus ] && seeds+=(../shared/corpus)
+# The shared corpus stands next to the main checkout, which a worktree's
+# parent folder may not be.
+main_checkout=$(cd "$(git rev-parse --git-common-dir 2>/dev/null || echo .git)/.." && pwd)
+for corpus in ../shared/corpus "$main_checkout/../shared/corpus"; do
+  if [ -d "$corpus" ]; then
+    seeds+=("$corpus")
+    break
+  fi
+done
 
 for target in "${TARGETS[@]}"; do
   binary=build-fuzz/fuzz/fuzz_$target
