@@ -10,8 +10,8 @@ namespace Zn::Kx {
 
 namespace {
 
-/// The parser's lists (argument lists, compound expressions) are the only
-/// MutableFunctions on its stack.
+/// The compound expressions and tagged assignments being built are the only
+/// MutableFunctions on the parser's stack (argument lists wait on arguments_).
 MutableFunction* AsMutable(Expr* theExpr) { return static_cast<MutableFunction*>(theExpr); }
 
 int32_t Deeper(int32_t theA, int32_t theB) { return theA > theB ? theA : theB; }

@@ -117,7 +117,6 @@ protected:
   void skipCounting() { counted_ = window_; }
   /// Brings the counters up to date with the characters taken from the window.
   void countWindow() const;
-  void countRange(const ZnUnichar* theStart, const ZnUnichar* theEnd) const;
 
 private:
   bool take(ZnUnichar* theOut) {
@@ -133,6 +132,8 @@ private:
   }
   /// The window is empty: refills it, or reads one raw character.
   bool takeFromSource(ZnUnichar* theOut);
+  /// Counts the characters from theStart to theEnd, in order.
+  void countRange(const ZnUnichar* theStart, const ZnUnichar* theEnd) const;
 
   Ref<MutableString> pushBack_;
   // Characters taken from the window are counted when the counters are
