@@ -42,10 +42,25 @@ for target in "${TARGETS[@]}"; do
   # One worker process at a time (-fork=1), so that the run goes on past a
   # timeout: the time limit is wall-clock time, which a busy machine eats.
   # Each timeout is kept and timed again below; a crash or a leak ends the run.
-  nice -n 19 "$binary" "build-fuzz/corpus/$target" "${seeds[@]}" \
+  # The run's log and its CPU time (worker included) are kept, and one line
+  # per run is added to build-fuzz/summary.tsv: target, wall seconds, CPU
+  # seconds, executions, status.
+  log=build-fuzz/logs/$target-$(date +%Y%m%d-%H%M%S).log
+  mkdir -p build-fuzz/logs
+  status=0
+  /usr/bin/time -f '%U %S' -o "$log.cpu" nice -n "${FUZZ_NICE:-19}" "$binary" \
+    "build-fuzz/corpus/$target" "${seeds[@]}" \
     -dict=fuzz/notebook.dict -max_len=65536 -timeout=1 -rss_limit_mb=256 \
     -fork=1 -ignore_timeouts=1 -ignore_ooms=0 -ignore_crashes=0 \
-    -max_total_time="$SECONDS_EACH" -artifact_prefix="build-fuzz/artifacts/$target/"
+    -max_total_time="$SECONDS_EACH" -artifact_prefix="build-fuzz/artifacts/$target/" \
+    >"$log" 2>&1 || status=$?
+  cpu=$(awk '{ printf "%.0f", $1 + $2 }' "$log.cpu")
+  # In fork mode the progress lines read "#EXECUTIONS: cov: ...".
+  runs=$(sed -n 's/^#\([0-9]*\):* .*/\1/p' "$log" | tail -n 1)
+  printf '%s\t%s\t%s\t%s\t%s\n' "$target" "$SECONDS_EACH" "$cpu" "${runs:-0}" "$status" \
+    >>build-fuzz/summary.tsv
+  tail -n 5 "$log"
+  echo "$target: ${cpu}s of CPU, ${runs:-0} executions, status $status"
   for slow in "build-fuzz/artifacts/$target"/timeout-*; do
     [ -e "$slow" ] || continue
     echo "--- timed again: $slow"
