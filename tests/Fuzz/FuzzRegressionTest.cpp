@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 #include "FuzzEntryPoints.h"
-#include "Indexer/NbtextRunner.h"
 #include "Support/ZnTestSupport.h"
 #include "Zn/Base/ZnAssert.h"
 
@@ -53,7 +52,7 @@ TEST_P(FuzzRegressionTest, KeptInputsRunCleanly) {
   std::string directory = NBTEXT_SOURCE_DIR "/tests/fuzz-regressions/" + std::string(GetParam().name);
   for (const std::string& file : FilesIn(directory)) {
     SCOPED_TRACE(file);
-    std::string bytes = NbtextTest::ReadFile(file);
+    std::string bytes = ZnTest::ReadFile(file);
     EXPECT_EQ(GetParam().entry(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()), 0);
   }
 }

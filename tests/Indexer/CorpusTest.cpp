@@ -1,8 +1,5 @@
 //===- CorpusTest.cpp - Every real notebook converts, old formats refused -===//
 #include <gtest/gtest.h>
-#include <fstream>
-#include <sstream>
-#include <unistd.h>
 #include "Indexer/NbtextRunner.h"
 #include "Kx/KxSymbol.h"
 #include "NotebookHTMLIndexer.h"
@@ -12,36 +9,8 @@
 
 namespace {
 using Zn::adopt;
-
-struct CorpusFile {
-  std::string name;
-  std::string era;
-};
-
-/// The rows of MANIFEST.tsv: file, bytes, era, features, note.
-std::vector<CorpusFile> ReadManifest() {
-  std::vector<CorpusFile> files;
-  std::ifstream manifest(NBTEXT_CORPUS_DIR "/MANIFEST.tsv");
-  std::string line;
-  std::getline(manifest, line); // the header
-  while (std::getline(manifest, line)) {
-    std::istringstream fields(line);
-    CorpusFile file;
-    std::string bytes;
-    std::getline(fields, file.name, '\t');
-    std::getline(fields, bytes, '\t');
-    std::getline(fields, file.era, '\t');
-    if (!file.name.empty())
-      files.push_back(file);
-  }
-  return files;
-}
-
-bool CorpusIsPresent() {
-  // access rather than stat: a 32-bit stat fails on file systems whose
-  // inode numbers need 64 bits.
-  return access(NBTEXT_CORPUS_DIR "/MANIFEST.tsv", R_OK) == 0;
-}
+using ZnTest::CorpusFile;
+using ZnTest::ReadCorpusManifest;
 
 class CorpusTest : public ZnTest::LeakCheckedTest {};
 
@@ -49,7 +18,7 @@ class CorpusTest : public ZnTest::LeakCheckedTest {};
 /// feeds a run's files.
 void ConvertEveryNotebook(SearchIndexer* theIndexer) {
   int converted = 0;
-  for (const CorpusFile& file : ReadManifest()) {
+  for (const CorpusFile& file : ReadCorpusManifest()) {
     if (file.era == "ancient")
       continue;
     std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
@@ -62,7 +31,7 @@ void ConvertEveryNotebook(SearchIndexer* theIndexer) {
 }
 
 TEST_F(CorpusTest, EveryNotebookConverts) {
-  if (!CorpusIsPresent())
+  if (ReadCorpusManifest().empty())
     GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
   auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
   ConvertEveryNotebook(adopt<SearchIndexer>(new NotebookTextIndexer(sink.get())).get());
@@ -80,17 +49,17 @@ protected:
 };
 
 TEST_F(HTMLCorpusTest, EveryNotebookConvertsToHTML) {
-  if (!CorpusIsPresent())
+  if (ReadCorpusManifest().empty())
     GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
   auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
   ConvertEveryNotebook(adopt<SearchIndexer>(new NotebookHTMLIndexer(sink.get())).get());
 }
 
 TEST(CorpusRefusalTest, AncientNotebooksAreRefused) {
-  if (!CorpusIsPresent())
+  if (ReadCorpusManifest().empty())
     GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
   int refused = 0;
-  for (const CorpusFile& file : ReadManifest()) {
+  for (const CorpusFile& file : ReadCorpusManifest()) {
     if (file.era != "ancient")
       continue;
     std::string path = NBTEXT_CORPUS_DIR "/" + file.name;

@@ -12,12 +12,13 @@
 #include <sys/stat.h>
 #include "Indexer/NbtextRunner.h"
 #include "Kx/KxExprParser.h"
+#include "Support/ZnTestSupport.h"
 
 namespace {
-using NbtextTest::ReadFile;
 using NbtextTest::Run;
 using NbtextTest::RunNbtext;
 using NbtextTest::TempDir;
+using ZnTest::Repeat;
 
 const bool kReduced = NBTEXT_SANITIZED || NBTEXT_EMULATOR[0] != '\0';
 
@@ -48,14 +49,6 @@ Run ConvertBytes(const TempDir& theDir, const std::string& theBytes) {
   return RunNbtext({theDir.write("input.nb", theBytes)});
 }
 
-std::string Repeat(const std::string& theText, int32_t theCount) {
-  std::string out;
-  out.reserve(theText.size() * size_t(theCount));
-  for (int32_t i = 0; i < theCount; ++i)
-    out += theText;
-  return out;
-}
-
 //===--- Damaged copies of real notebooks ----------------------------------===//
 
 // Our sample and a few small real notebooks with controls, tab views and
@@ -73,7 +66,7 @@ protected:
     struct stat info;
     if (stat(GetParam(), &info) != 0)
       GTEST_SKIP() << "no notebook at " << GetParam() << " (the corpus is absent)";
-    original_ = ReadFile(GetParam());
+    original_ = ZnTest::ReadFile(GetParam());
     ASSERT_FALSE(original_.empty());
   }
   std::string original_;

@@ -1,5 +1,6 @@
 //===- NbtextRunner.cpp - Runs the built converter for black-box tests ----===//
 #include "Indexer/NbtextRunner.h"
+#include "Support/ZnTestSupport.h"
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -8,7 +9,7 @@
 
 namespace NbtextTest {
 namespace {
-std::string quoted(const std::string& theText) {
+std::string ShellQuoted(const std::string& theText) {
   std::string out = "'";
   for (char c : theText)
     out += c == '\'' ? std::string("'\\''") : std::string(1, c);
@@ -27,7 +28,7 @@ TempDir::TempDir() {
 
 TempDir::~TempDir() {
   if (!path_.empty())
-    (void)std::system(("rm -rf " + quoted(path_)).c_str());
+    (void)std::system(("rm -rf " + ShellQuoted(path_)).c_str());
 }
 
 std::string TempDir::write(const std::string& theName, const std::string& theContents) const {
@@ -36,24 +37,17 @@ std::string TempDir::write(const std::string& theName, const std::string& theCon
   return file;
 }
 
-std::string TempDir::read(const std::string& theName) const { return ReadFile(path_ + "/" + theName); }
-
-std::string ReadFile(const std::string& thePath) {
-  std::ifstream in(thePath, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
+std::string TempDir::read(const std::string& theName) const { return ZnTest::ReadFile(path_ + "/" + theName); }
 
 Run RunNbtext(const std::vector<std::string>& theArguments, const std::string& theInput,
               const std::string& theLogFile) {
   TempDir dir;
-  std::string command = theLogFile.empty() ? "unset ZNLOGFILE; " : "ZNLOGFILE=" + quoted(theLogFile) + " ";
-  command += std::string(NBTEXT_EMULATOR) + " " + quoted(NBTEXT_BINARY);
+  std::string command = theLogFile.empty() ? "unset ZNLOGFILE; " : "ZNLOGFILE=" + ShellQuoted(theLogFile) + " ";
+  command += std::string(NBTEXT_EMULATOR) + " " + ShellQuoted(NBTEXT_BINARY);
   for (const std::string& argument : theArguments)
-    command += " " + quoted(argument);
-  command += " < " + quoted(dir.write("stdin", theInput));
-  command += " > " + quoted(dir.path() + "/stdout") + " 2> " + quoted(dir.path() + "/stderr");
+    command += " " + ShellQuoted(argument);
+  command += " < " + ShellQuoted(dir.write("stdin", theInput));
+  command += " > " + ShellQuoted(dir.path() + "/stdout") + " 2> " + ShellQuoted(dir.path() + "/stderr");
   Run run;
   int status = std::system(command.c_str());
   run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -66,8 +60,7 @@ Run ConvertNotebook(const std::string& theNotebook, const std::vector<std::strin
   TempDir dir;
   std::vector<std::string> arguments = theOptions;
   arguments.push_back(dir.write("test.nb", theNotebook));
-  Run run = RunNbtext(arguments);
-  return run;
+  return RunNbtext(arguments);
 }
 
 std::string WithoutTimeStamps(const std::string& theLog) {

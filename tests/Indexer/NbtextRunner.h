@@ -30,9 +30,6 @@ private:
   std::string path_;
 };
 
-/// The bytes of a file, or "" when it cannot be read.
-std::string ReadFile(const std::string& thePath);
-
 /// Runs nbtext (through the emulator in a cross build) with theArguments,
 /// theInput on its standard input, and ZNLOGFILE set to theLogFile when that
 /// is not empty (unset otherwise).

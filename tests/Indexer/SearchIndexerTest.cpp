@@ -20,9 +20,7 @@ Zn::Kx::Expr* Parse(const char* theText) {
   return Zn::Kx::ParseExpressionFromString(text.get());
 }
 
-std::string InputForm(const Zn::Object* theObject) {
-  return ZnTest::Utf8(adopt(theObject->description()).get());
-}
+using ZnTest::Describe; // an expression's description is its input form
 
 /// Records the hooks that the walk calls, over the text renderer.
 class RecordingIndexer : public NotebookTextIndexer {
@@ -31,13 +29,13 @@ public:
   std::vector<std::string> calls;
 
   void setTitle(Zn::String* theTitle) override { calls.push_back("title " + ZnTest::Utf8(theTitle)); }
-  void setNotebookKind(Zn::Kx::Symbol* theKind) override { calls.push_back("kind " + InputForm(theKind)); }
+  void setNotebookKind(Zn::Kx::Symbol* theKind) override { calls.push_back("kind " + Describe(theKind)); }
   void setEvaluator(Zn::String* theName) override { calls.push_back("evaluator " + ZnTest::Utf8(theName)); }
   void noteCellOption(Zn::String* theText) override { calls.push_back("option " + ZnTest::Utf8(theText)); }
   void setWindowSize(double theWidth, double theHeight) override {
     calls.push_back("size " + std::to_string(int(theWidth)) + "x" + std::to_string(int(theHeight)));
   }
-  void setStyleDefinitions(Zn::Kx::Expr* theValue) override { calls.push_back("styles " + InputForm(theValue)); }
+  void setStyleDefinitions(Zn::Kx::Expr* theValue) override { calls.push_back("styles " + Describe(theValue)); }
   void beginCell(Zn::Kx::Expr*, const IndexContext& theContext) override {
     calls.push_back("cell " + ZnTest::Utf8(theContext.cellStyle.get()));
   }
@@ -117,7 +115,7 @@ TEST_F(SearchIndexerTest, MarksUpCommentsStringsAndLocalVariablesOfInputCells) {
     auto box = adopt(Parse(test.box));
     ASSERT_TRUE(box) << test.box;
     auto decorated = adopt(indexer->decorateBox(box.get(), false));
-    EXPECT_EQ(InputForm(decorated.get()), test.decorated);
+    EXPECT_EQ(Describe(decorated.get()), test.decorated);
   }
 }
 

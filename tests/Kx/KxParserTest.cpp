@@ -1,7 +1,6 @@
 //===- KxParserTest.cpp - Grammar, precedence, box notation, errors, limits ===//
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <sstream>
 #include <vector>
 #include "Kx/KxExprBuilders.h"
@@ -15,6 +14,7 @@ using namespace Zn::Kx;
 
 namespace {
 using KxTest::FullForm;
+using ZnTest::Repeat;
 
 class ExprParserTest : public ZnTest::LeakCheckedTest {
 protected:
@@ -51,14 +51,6 @@ Expr* ParseText(const std::string& theText) {
 std::string Parse(const std::string& theText) {
   auto e = adopt(ParseText(theText));
   return e ? FullForm(e.get()) : "(null)";
-}
-
-std::string Repeat(const std::string& thePiece, int theCount) {
-  std::string result;
-  result.reserve(thePiece.size() * size_t(theCount));
-  for (int i = 0; i < theCount; ++i)
-    result += thePiece;
-  return result;
 }
 
 struct Case { const char* text; const char* fullForm; };
@@ -336,23 +328,13 @@ TEST_F(ExprParserTest, OperatorChainsThatWouldBuildTooDeepATreeAreRefused) {
 }
 
 TEST_F(ExprParserTest, EveryNotebookOfTheCorpusParses) {
-  std::ifstream manifest(std::string(NBTEXT_CORPUS_DIR) + "/MANIFEST.tsv");
-  if (!manifest)
-    GTEST_SKIP() << "no corpus at " << NBTEXT_CORPUS_DIR;
   auto encoding = adopt(StringEncodingWithID(kStringEncodingUTF8));
-  std::string line;
-  std::getline(manifest, line); // the column names
   int parsed = 0;
-  while (std::getline(manifest, line)) {
-    std::istringstream fields(line);
-    std::string file, bytes, era;
-    std::getline(fields, file, '\t');
-    std::getline(fields, bytes, '\t');
-    std::getline(fields, era, '\t');
-    if (era == "ancient") // plain-text files from before notebooks were expressions
+  for (const ZnTest::CorpusFile& file : ZnTest::ReadCorpusManifest()) {
+    if (file.era == "ancient")
       continue;
-    SCOPED_TRACE(file);
-    auto stream = adopt(FilePointerStream::createForReading((std::string(NBTEXT_CORPUS_DIR) + "/" + file).c_str()));
+    SCOPED_TRACE(file.name);
+    auto stream = adopt(FilePointerStream::createForReading((NBTEXT_CORPUS_DIR "/" + file.name).c_str()));
     ASSERT_TRUE(stream);
     auto reader = adopt<Reader>(new StreamReader(stream.get(), encoding.get()));
     auto parser = adopt(new ExprParser(reader.get()));
@@ -365,5 +347,6 @@ TEST_F(ExprParserTest, EveryNotebookOfTheCorpusParses) {
       EXPECT_EQ(r.level, kLogLevelNestedParseError) << r.message << " at " << r.where;
     ++parsed;
   }
-  EXPECT_GT(parsed, 0);
+  if (parsed == 0)
+    GTEST_SKIP() << "no corpus at " << NBTEXT_CORPUS_DIR;
 }

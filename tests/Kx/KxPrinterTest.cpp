@@ -72,7 +72,7 @@ TEST_F(PrinterTest, ContextControlsParenthesesQuotesAndContexts) {
   // stringValue is a string's own text, anything else its input form.
   EXPECT_EQ(ZnTest::Utf8(adopt(Str("s")->stringValue()).get()), "s");
   EXPECT_EQ(ZnTest::Utf8(adopt(call->stringValue()).get()), "f[Global`x, a`, \"s\"]");
-  EXPECT_EQ(ZnTest::Utf8(adopt(sum->description()).get()), "a + b");
+  EXPECT_EQ(ZnTest::Describe(sum.get()), "a + b");
 }
 
 TEST_F(PrinterTest, DeepInputFormPrints) {

@@ -1,5 +1,10 @@
 //===- ZnTestSupport.cpp - Shared helpers for the test suite ---------------===//
 #include "Support/ZnTestSupport.h"
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+#include "Zn/Base/ZnData.h"
+#include "Zn/Base/ZnRef.h"
 
 namespace ZnTest {
 
@@ -29,5 +34,48 @@ std::string Utf8(const Zn::String* theString) {
     }
   }
   return out;
+}
+
+std::string Describe(const Zn::Object* theObject) { return Utf8(Zn::adopt(theObject->description()).get()); }
+
+std::string Bytes(const Zn::Data* theData) {
+  return std::string(reinterpret_cast<const char*>(theData->getBytesPtr()), size_t(theData->getLength()));
+}
+
+std::string Repeat(const std::string& theText, int32_t theCount) {
+  std::string out;
+  out.reserve(theText.size() * size_t(theCount));
+  for (int32_t i = 0; i < theCount; ++i)
+    out += theText;
+  return out;
+}
+
+std::string ReadFile(const std::string& thePath) {
+  std::ifstream in(thePath, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+std::vector<CorpusFile> ReadCorpusManifest() {
+  std::vector<CorpusFile> files;
+  // access rather than stat: a 32-bit stat fails on file systems whose
+  // inode numbers need 64 bits.
+  if (access(NBTEXT_CORPUS_DIR "/MANIFEST.tsv", R_OK) != 0)
+    return files;
+  std::ifstream manifest(NBTEXT_CORPUS_DIR "/MANIFEST.tsv");
+  std::string line;
+  std::getline(manifest, line); // the column names: file, bytes, era, features, note
+  while (std::getline(manifest, line)) {
+    std::istringstream fields(line);
+    CorpusFile file;
+    std::string bytes;
+    std::getline(fields, file.name, '\t');
+    std::getline(fields, bytes, '\t');
+    std::getline(fields, file.era, '\t');
+    if (!file.name.empty())
+      files.push_back(file);
+  }
+  return files;
 }
 } // namespace ZnTest

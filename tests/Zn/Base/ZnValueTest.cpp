@@ -8,9 +8,8 @@
 using namespace Zn;
 
 namespace {
+using ZnTest::Describe;
 class ValueTest : public ZnTest::LeakCheckedTest {};
-
-std::string Text(const Object* theObject) { return ZnTest::Utf8(adopt(theObject->description()).get()); }
 
 template <class T> Ref<Number> Num(typename NumberType<T>::Storage theValue) {
   return adopt(static_cast<Number*>(new NumberType<T>(theValue)));
@@ -45,7 +44,7 @@ TEST_F(ValueTest, BooleansEqualOnlyBooleans) {
   EXPECT_TRUE(yes->isEqual(adopt(new Boolean(true)).get()));
   EXPECT_FALSE(yes->isEqual(adopt(new Boolean(false)).get()));
   EXPECT_FALSE(yes->isEqual(Num<int>(1).get()));
-  EXPECT_EQ(Text(yes.get()), "true");
+  EXPECT_EQ(Describe(yes.get()), "true");
 }
 
 TEST_F(ValueTest, DescriptionsKeepTheTopBitMinus) {
@@ -58,7 +57,7 @@ TEST_F(ValueTest, DescriptionsKeepTheTopBitMinus) {
       {Num<double>(1.5), "1.500000"},            {Num<float>(-0.25f), "-0.250000"},
   };
   for (const Case& c : cases)
-    EXPECT_EQ(Text(c.number.get()), c.text) << c.number->getTypeName();
+    EXPECT_EQ(Describe(c.number.get()), c.text) << c.number->getTypeName();
 }
 
 TEST_F(ValueTest, ConversionsFollowTheTarget) {
@@ -87,10 +86,10 @@ TEST_F(ValueTest, PlainValuesCompareBytesThenTypeNames) {
   EXPECT_FALSE(unit->isEqual(number.get())); // same bytes, other type name
   EXPECT_NE(unit->compare(number.get()), 0);
   EXPECT_LT(unit->compare(adopt(new ValueType<unsigned short>(0x42)).get()), 0);
-  EXPECT_EQ(Text(unit.get()), "Value (ValueType<unsigned short>) { 4100 }");
+  EXPECT_EQ(Describe(unit.get()), "Value (ValueType<unsigned short>) { 4100 }");
   auto null = adopt(new Null());
   EXPECT_TRUE(null->isEqual(adopt(new Null()).get()));
-  EXPECT_EQ(Text(null.get()), "Null");
+  EXPECT_EQ(Describe(null.get()), "Null");
 }
 
 TEST_F(ValueTest, GenericDescriptionGroupsBytesByFour) {

@@ -115,15 +115,15 @@ TEST_F(ArrayTest, EnumeratorProtocolDoesNotMoveIt) {
   auto e = adopt(array->getObjectEnumerator());
   EXPECT_EQ(e->nextObject(), array->objectAtIndex(0));
   EXPECT_TRUE(e->isEqual(adopt(Letters("bc")->getObjectEnumerator()).get()));
-  EXPECT_EQ(ZnTest::Utf8(adopt(e->description()).get()), "{\n\tb,\n\tc\n}");
+  EXPECT_EQ(ZnTest::Describe(e.get()), "{\n\tb,\n\tc\n}");
   EXPECT_EQ(e->nextObject(), array->objectAtIndex(1));
 }
 
 TEST_F(ArrayTest, DescriptionIndentsNestedArrays) {
   auto inner = Letters("xy");
   auto outer = adopt(new Array(Str("a").get(), inner.get(), nullptr));
-  EXPECT_EQ(ZnTest::Utf8(adopt(outer->description()).get()), "{\n\ta,\n\t{\n\t\tx,\n\t\ty\n\t}\n}");
-  EXPECT_EQ(ZnTest::Utf8(adopt(adopt(new Array())->description()).get()), "{\n}");
+  EXPECT_EQ(ZnTest::Describe(outer.get()), "{\n\ta,\n\t{\n\t\tx,\n\t\ty\n\t}\n}");
+  EXPECT_EQ(ZnTest::Describe(adopt(new Array()).get()), "{\n}");
 }
 
 using ArrayDeathTest = ArrayTest;

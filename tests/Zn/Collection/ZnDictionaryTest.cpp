@@ -8,11 +8,10 @@
 using namespace Zn;
 
 namespace {
+using ZnTest::Describe;
 class DictionaryTest : public ZnTest::LeakCheckedTest {};
 
 Ref<String> Str(const char* theText) { return adopt(new String(theText)); }
-
-std::string Text(const Object* theObject) { return ZnTest::Utf8(adopt(theObject->description()).get()); }
 
 // Keys "k0".."k<n-1>" with values "v0"..; inserted in order, or backwards.
 Ref<MutableDictionary> Numbered(int theCount, bool theBackwards = false) {
@@ -91,7 +90,7 @@ TEST_F(DictionaryTest, KeysAndValuesStayAligned) {
     ASSERT_EQ(values->getCount(), 12);
     for (ZnIndex i = 0; i < 12; ++i) {
       std::string key = ZnTest::Utf8(static_cast<String*>(keys->objectAtIndex(i)));
-      std::string value = Text(values->objectAtIndex(i));
+      std::string value = Describe(values->objectAtIndex(i));
       EXPECT_EQ(value, key == "k5" ? "Null" : "v" + key.substr(1)) << key;
       if (sorted && i > 0) {
         EXPECT_LT(keys->objectAtIndex(i - 1)->compare(keys->objectAtIndex(i)), 0);
@@ -111,8 +110,8 @@ TEST_F(DictionaryTest, DescriptionListsEntriesAndNullValues) {
   d->setObjectForKey(Str("a").get(), nullptr);
   auto outer = adopt(new MutableDictionary());
   outer->setObjectForKey(Str("inner").get(), d.get());
-  EXPECT_EQ(Text(outer.get()), "{\n\tinner = {\n\t\ta = (NULL)\n\t}\n}");
-  EXPECT_EQ(Text(adopt(new Dictionary()).get()), "{\n}");
+  EXPECT_EQ(Describe(outer.get()), "{\n\tinner = {\n\t\ta = (NULL)\n\t}\n}");
+  EXPECT_EQ(Describe(adopt(new Dictionary()).get()), "{\n}");
 }
 
 using DictionaryDeathTest = DictionaryTest;

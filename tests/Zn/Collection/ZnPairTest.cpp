@@ -8,9 +8,8 @@
 using namespace Zn;
 
 namespace {
+using ZnTest::Describe;
 class PairTest : public ZnTest::LeakCheckedTest {};
-
-std::string Text(const Object* theObject) { return ZnTest::Utf8(adopt(theObject->description()).get()); }
 } // namespace
 
 TEST_F(PairTest, BoxedPointersAreLookedThroughUnlessFlagged) {
@@ -41,7 +40,7 @@ TEST_F(PairTest, OrdersByFirstThenSecondWithNullsFirst) {
 TEST_F(PairTest, DescriptionAndEnumeration) {
   auto a = adopt(new String("a"));
   auto pair = adopt(new PairObject(a.get(), nullptr));
-  EXPECT_EQ(Text(pair.get()), "Pair { a , (NULL) }");
+  EXPECT_EQ(Describe(pair.get()), "Pair { a , (NULL) }");
   auto both = adopt(new PairObject(a.get(), a.get()));
   auto elements = adopt(new Array(adopt(both->getObjectEnumerator()).get()));
   EXPECT_EQ(elements->getCount(), 2);

@@ -13,10 +13,7 @@ using namespace Zn;
 namespace {
 class WriterTest : public ZnTest::LeakCheckedTest {};
 using WriterDeathTest = WriterTest;
-
-std::string Bytes(const Data* theData) {
-  return std::string(reinterpret_cast<const char*>(theData->getBytesPtr()), size_t(theData->getLength()));
-}
+using ZnTest::Bytes;
 } // namespace
 
 TEST_F(WriterTest, LineEndsAreTranslatedAndIndented) {

@@ -7,9 +7,8 @@
 using namespace Zn;
 
 namespace {
+using ZnTest::Describe;
 class DateTest : public ZnTest::LeakCheckedTest {};
-
-std::string Text(const Object* theObject) { return ZnTest::Utf8(adopt(theObject->description()).get()); }
 
 std::string Fields(const GregorianDate& theDate) {
   char text[64];
@@ -65,10 +64,10 @@ TEST_F(DateTest, ISOTextRoundsSecondsAndNeedsValidFields) {
 }
 
 TEST_F(DateTest, DescriptionIsUTCOrThePlainForm) {
-  EXPECT_EQ(Text(adopt(new Date(0.0)).get()), "2001-01-01T00:00:00Z");
+  EXPECT_EQ(Describe(adopt(new Date(0.0)).get()), "2001-01-01T00:00:00Z");
   // Made an hour east of UTC: described as the UTC reading.
-  EXPECT_EQ(Text(adopt(new Date(GregorianDate(2001, 1, 1, 1, 0, 0, 3600))).get()), "2001-01-01T00:00:00Z");
-  EXPECT_EQ(Text(adopt(new Date(GregorianDate(10000, 1, 2, 3, 4, 5.25))).get()), "10000-01-02 03:04:5.25");
+  EXPECT_EQ(Describe(adopt(new Date(GregorianDate(2001, 1, 1, 1, 0, 0, 3600))).get()), "2001-01-01T00:00:00Z");
+  EXPECT_EQ(Describe(adopt(new Date(GregorianDate(10000, 1, 2, 3, 4, 5.25))).get()), "10000-01-02 03:04:5.25");
 }
 
 TEST_F(DateTest, ParseKeepsTheLeadingParts) {

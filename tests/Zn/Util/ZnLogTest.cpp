@@ -4,22 +4,13 @@
 #include "Zn/Util/ZnUtil.h"
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <regex>
-#include <sstream>
 #include <unistd.h>
 
 using namespace Zn;
 
 namespace {
 const char* kPrefix = "[0-9]{4}-[0-1][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-6][0-9]: ";
-
-std::string ReadFile(const std::string& thePath) {
-  std::ifstream in(thePath, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 class LogTest : public ZnTest::LeakCheckedTest {
 protected:
@@ -56,7 +47,7 @@ TEST_F(LogTest, AppendsToTheFileNamedByZnLogFile) {
   auto source = adopt(new String("in.nb"));
   EXPECT_EQ(LogMessage(kLogLevelError, source.get(), &range, message.get()), 0);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-  std::string text = ReadFile(path);
+  std::string text = ZnTest::ReadFile(path);
   unlink(path);
   EXPECT_TRUE(std::regex_match(
       text, std::regex(std::string("^earlier\n") + kPrefix + "first 1\n" + kPrefix + "parse error from 1:5-2:1 in in\\.nb\n$")))
