@@ -12,32 +12,7 @@ using Zn::adopt;
 using ZnTest::CorpusFile;
 using ZnTest::ReadCorpusManifest;
 
-class CorpusTest : public ZnTest::LeakCheckedTest {};
-
-/// Feeds every notebook that is not refused to one renderer, as the driver
-/// feeds a run's files.
-void ConvertEveryNotebook(SearchIndexer* theIndexer) {
-  int converted = 0;
-  for (const CorpusFile& file : ReadCorpusManifest()) {
-    if (file.era == "ancient")
-      continue;
-    std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
-    auto input = adopt(Zn::FilePointerStream::createForReading(path.c_str()));
-    ASSERT_TRUE(input) << path;
-    EXPECT_TRUE(convertStream(theIndexer, input.get())) << file.name;
-    ++converted;
-  }
-  EXPECT_EQ(converted, 81);
-}
-
-TEST_F(CorpusTest, EveryNotebookConverts) {
-  if (ReadCorpusManifest().empty())
-    GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
-  auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
-  ConvertEveryNotebook(adopt<SearchIndexer>(new NotebookTextIndexer(sink.get())).get());
-}
-
-class HTMLCorpusTest : public CorpusTest {
+class CorpusTest : public ZnTest::LeakCheckedTest {
 protected:
   // The mark-up of input code makes its shared pieces on first use; make
   // them before any test counts the live objects.
@@ -48,11 +23,25 @@ protected:
   }
 };
 
-TEST_F(HTMLCorpusTest, EveryNotebookConvertsToHTML) {
+// Every notebook that is not refused goes to each renderer, as the driver
+// feeds a run's files: the parse, the walk and the output must all succeed.
+TEST_F(CorpusTest, EveryNotebookConvertsWithBothRenderers) {
   if (ReadCorpusManifest().empty())
     GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
   auto sink = adopt(Zn::FilePointerStream::createForWriting("/dev/null", false));
-  ConvertEveryNotebook(adopt<SearchIndexer>(new NotebookHTMLIndexer(sink.get())).get());
+  for (auto indexer : {adopt<SearchIndexer>(new NotebookTextIndexer(sink.get())),
+                       adopt<SearchIndexer>(new NotebookHTMLIndexer(sink.get()))}) {
+    int converted = 0;
+    for (const CorpusFile& file : ReadCorpusManifest()) {
+      if (file.era == "ancient")
+        continue;
+      auto input = adopt(Zn::FilePointerStream::createForReading((NBTEXT_CORPUS_DIR "/" + file.name).c_str()));
+      ASSERT_TRUE(input) << file.name;
+      EXPECT_TRUE(convertStream(indexer.get(), input.get())) << file.name << " by " << indexer->className();
+      ++converted;
+    }
+    EXPECT_EQ(converted, 81);
+  }
 }
 
 TEST(CorpusRefusalTest, AncientNotebooksAreRefused) {

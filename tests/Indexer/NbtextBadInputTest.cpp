@@ -15,6 +15,7 @@
 #include "Support/ZnTestSupport.h"
 
 namespace {
+using NbtextTest::ConvertNotebook;
 using NbtextTest::Run;
 using NbtextTest::RunNbtext;
 using NbtextTest::TempDir;
@@ -48,6 +49,9 @@ void ExpectCleanEnd(const Run& theRun, const std::string& theWhat) {
 Run ConvertBytes(const TempDir& theDir, const std::string& theBytes) {
   return RunNbtext({theDir.write("input.nb", theBytes)});
 }
+
+// The options of the two renderers: none for the text, then the page.
+const std::vector<std::string> kRenderers[] = {{}, {"-html"}};
 
 //===--- Damaged copies of real notebooks ----------------------------------===//
 
@@ -104,8 +108,8 @@ INSTANTIATE_TEST_SUITE_P(Notebooks, DamagedNotebookTest, testing::ValuesIn(kDama
 
 //===--- Bytes that are no text ---------------------------------------------===//
 
-TEST(NbtextBadInputTest, InvalidUTF8AndNulBytesEndCleanly) {
-  const std::vector<std::pair<const char*, std::string>> inputs = {
+TEST(NbtextBadInputTest, InvalidUTF8NulAndRandomBytesEndCleanly) {
+  std::vector<std::pair<const char*, std::string>> inputs = {
       {"stray continuation bytes", "Notebook[{Cell[\"a\x80\xbf b\", \"Text\"]}]"},
       {"overlong and truncated sequences", "Notebook[{Cell[\"\xc0\x80\xe2\x82\", \"Text\"]}]"},
       {"five- and six-byte leads", "Notebook[{Cell[\"\xf8\x88\x80\x80\x80\xfc\x84\x80\x80\x80\x80\", \"Text\"]}]"},
@@ -119,30 +123,24 @@ TEST(NbtextBadInputTest, InvalidUTF8AndNulBytesEndCleanly) {
       {"byte-order mark", "\xef\xbb\xbfNotebook[{Cell[\"x\", \"Text\"]}]"},
       {"UTF-16 text", std::string("\xff\xfeN\0o\0t\0e\0b\0o\0o\0k\0[\0{\0}\0]\0", 22)},
   };
-  TempDir dir;
-  for (const auto& [what, input] : inputs)
-    ExpectCleanEnd(ConvertBytes(dir, input), what);
-}
-
-TEST(NbtextBadInputTest, RandomBytesEndCleanly) {
-  TempDir dir;
   std::mt19937 random(7);
   for (size_t size : {size_t(1), size_t(100), size_t(65536)}) {
     std::string bytes(size, '\0');
     for (char& c : bytes)
       c = char(random());
-    ExpectCleanEnd(ConvertBytes(dir, bytes), std::to_string(size) + " random bytes");
-    // The same behind a well-formed start.
-    ExpectCleanEnd(ConvertBytes(dir, "Notebook[{Cell[" + bytes), "a notebook ending in random bytes");
+    inputs.emplace_back("random bytes", bytes);
+    inputs.emplace_back("a notebook ending in random bytes", "Notebook[{Cell[" + bytes);
   }
+  TempDir dir;
+  for (const auto& [what, input] : inputs)
+    ExpectCleanEnd(ConvertBytes(dir, input), what + (" (" + std::to_string(input.size()) + " bytes)"));
 }
 
 //===--- Sizes and depths at the edge ---------------------------------------===//
 
 TEST(NbtextBadInputTest, HugeSingleStringConverts) {
   const size_t size = kReduced ? 5u << 20 : 50u << 20;
-  TempDir dir;
-  NbtextTest::Run run = ConvertBytes(dir, "Notebook[{Cell[\"" + std::string(size, 'w') + "\"]}]");
+  NbtextTest::Run run = ConvertNotebook("Notebook[{Cell[\"" + std::string(size, 'w') + "\"]}]");
   EXPECT_EQ(run.status, 0) << run.err.substr(0, 800);
   EXPECT_EQ(run.out.size(), size);
   EXPECT_EQ(run.out.find_first_not_of('w'), std::string::npos);
@@ -150,39 +148,53 @@ TEST(NbtextBadInputTest, HugeSingleStringConverts) {
 
 TEST(NbtextBadInputTest, AMillionTinyCellsConvert) {
   const int32_t count = kReduced ? 100000 : 1000000;
-  TempDir dir;
   // A cell without a style writes its text alone, without a separator.
-  std::string cells = Repeat("Cell[\"x\"],", count - 1) + "Cell[\"x\"]";
-  NbtextTest::Run run = ConvertBytes(dir, "Notebook[{" + cells + "}]");
+  NbtextTest::Run run = ConvertNotebook("Notebook[{" + Repeat("Cell[\"x\"],", count - 1) + "Cell[\"x\"]}]");
   EXPECT_EQ(run.status, 0) << run.err.substr(0, 800);
   EXPECT_EQ(run.out, std::string(size_t(count), 'x'));
 }
 
-// Just under the limit converts (NbtextCommandLineTest checks the three
-// ways of nesting boxes); one level more is refused, never a stack overflow.
-TEST(NbtextBadInputTest, NestingJustOverTheParsersLimitIsRefused) {
-  const int32_t outer = 4; // Notebook[ { Cell[ BoxData[
-  const int32_t levels = Zn::Kx::kMaxNestingDepth - outer + 1;
-  const std::pair<const char*, std::string> shapes[] = {
-      {"lists", Repeat("{", levels) + "x" + Repeat("}", levels)},
-      {"rows", Repeat("RowBox[{", levels / 2 + 1) + "\"x\"" + Repeat("}]", levels / 2 + 1)},
-      {"applications", Repeat("f[", levels) + "x" + Repeat("]", levels)},
-      {"parentheses", Repeat("(", levels) + "x" + Repeat(")", levels)},
-      {"box groups", Repeat("\\(", levels) + "x" + Repeat("\\)", levels)},
+// Nesting in each way up to the parser's limit converts with its text
+// intact: the walks must take all that the parser accepts. One level more
+// is refused, never a stack overflow.
+TEST(NbtextBadInputTest, NestingUpToTheParsersLimitConvertsAndDeeperIsRefused) {
+  const int32_t levels = Zn::Kx::kMaxNestingDepth - 4; // inside Notebook[ { Cell[ BoxData[
+  const struct {
+    const char* what;
+    const char *open, *inner, *close;
+    int32_t perLevel;
+    std::string text; // the text at the limit; "-" when not checked
+  } shapes[] = {
+      {"lists", "{", "x", "}", 1, "x"},
+      {"rows", "RowBox[{\"a\", ", "\"x\"", "}]", 2, Repeat("a", levels / 2) + "x"},
+      {"applications", "f[", "x", "]", 1, "-"},
+      {"parentheses", "(", "x", ")", 1, "-"},
+      {"box groups", "\\(", "x", "\\)", 1, "x"},
   };
   TempDir dir;
-  for (const auto& [what, boxes] : shapes) {
-    std::string file = dir.write("deep.nb", "Notebook[{Cell[BoxData[" + boxes + "]]}]");
-    NbtextTest::Run run = RunNbtext({file});
-    EXPECT_EQ(run.status, 255) << what << ": " << run.err.substr(0, 800);
-    EXPECT_NE(run.err.find("could not index file " + file), std::string::npos) << what;
+  for (const auto& shape : shapes) {
+    for (int32_t count : {levels / shape.perLevel, levels / shape.perLevel + 1}) {
+      std::string boxes = Repeat(shape.open, count) + shape.inner + Repeat(shape.close, count);
+      std::string file = dir.write("deep.nb", "Notebook[{Cell[BoxData[" + boxes + "]]}]");
+      NbtextTest::Run run = RunNbtext({file});
+      if (count * shape.perLevel <= levels) {
+        EXPECT_EQ(run.status, 0) << shape.what << ": " << run.err.substr(0, 800);
+        if (shape.text != "-") {
+          EXPECT_EQ(run.out, shape.text) << shape.what;
+        }
+      } else {
+        EXPECT_EQ(run.status, 255) << shape.what << ": " << run.err.substr(0, 800);
+        EXPECT_NE(run.err.find("could not index file " + file), std::string::npos) << shape.what;
+      }
+    }
   }
 }
 
-// Every kind of box nested as deep as the parser lets it, and the deepest
-// trees that chains of operators build, convert with both renderers: the
-// renderers' walks recurse once per level, and must not run out of stack in
-// any build, the sanitizers' included.
+// Every kind of box nested as deep as the parser lets it (menus and cells in
+// TowersOfMenusAndCellsConvertQuickly), and the deepest trees that chains of
+// operators build, convert with both renderers: the renderers' walks recurse
+// once per level, and must not run out of stack in any build, the
+// sanitizers' included.
 TEST(NbtextBadInputTest, EveryBoxNestedToTheLimitConverts) {
   const int32_t outer = 4; // Notebook[ { Cell[ BoxData[
   const int32_t budget = Zn::Kx::kMaxNestingDepth - outer - 2;
@@ -192,9 +204,6 @@ TEST(NbtextBadInputTest, EveryBoxNestedToTheLimitConverts) {
     int32_t levels; // nesting that one repetition adds
   } shapes[] = {
       {"StyleBox[", ", ShowStringCharacters->False]", 1},
-      {"Cell[", ", \"Input\"]", 1},
-      {"PopupMenuBox[x, {a -> ", "}]", 2},
-      {"ActionMenuBox[\"m\", {", " :> f}]", 2},
       {"InputFieldBox[", ", String]", 1},
       {"TabViewBox[{{1, \"a\" -> ", "}}]", 3},
       {"GridBox[{{", ", \"b\"}}]", 3},
@@ -206,7 +215,6 @@ TEST(NbtextBadInputTest, EveryBoxNestedToTheLimitConverts) {
       {"DynamicModuleBox[{}, ", "]", 1},
       {"RowBox[{\"(\", ", ", \")\"}]", 2},
   };
-  TempDir dir;
   std::vector<std::pair<std::string, std::string>> notebooks;
   for (const auto& shape : shapes) {
     int32_t count = budget / shape.levels;
@@ -219,11 +227,9 @@ TEST(NbtextBadInputTest, EveryBoxNestedToTheLimitConverts) {
   notebooks.emplace_back("!!", "x" + Repeat("!!", chain));
   notebooks.emplace_back("->", Repeat("a->", chain) + "x");
   for (const auto& [what, boxes] : notebooks) {
-    std::string file = dir.write("deep.nb", "Notebook[{Cell[BoxData[" + boxes + "], \"Input\"]}]");
-    for (const char* renderer : {"-text", "-html"}) {
-      NbtextTest::Run run = RunNbtext(renderer[1] == 'h' ? std::vector<std::string>{"-html", file}
-                                                         : std::vector<std::string>{file});
-      EXPECT_EQ(run.status, 0) << what << " " << renderer << ": " << run.err.substr(0, 800);
+    for (const auto& renderer : kRenderers) {
+      NbtextTest::Run run = ConvertNotebook("Notebook[{Cell[BoxData[" + boxes + "], \"Input\"]}]", renderer);
+      EXPECT_EQ(run.status, 0) << what << (renderer.empty() ? " text: " : " html: ") << run.err.substr(0, 800);
     }
   }
 }
@@ -243,17 +249,15 @@ TEST(NbtextBadInputTest, TowersOfMenusAndCellsConvertQuickly) {
       {"action menus", Repeat("ActionMenuBox[\"m\", {", height) + "\"x\"" + Repeat(" :> f}]", height), towers},
       {"input cells", Repeat("Cell[", 2 * height) + "\"x\"" + Repeat(", \"Input\"]", 2 * height), 4 * towers},
   };
-  TempDir dir;
   for (const auto& [what, boxes, count] : shapes) {
     std::string cells = Repeat("Cell[BoxData[" + boxes + "], \"Input\"], ", count - 1);
-    std::string file = dir.write("towers.nb", "Notebook[{" + cells + "Cell[BoxData[" + boxes + "], \"Input\"]}]");
-    for (const char* renderer : {"-text", "-html"}) {
+    std::string notebook = "Notebook[{" + cells + "Cell[BoxData[" + boxes + "], \"Input\"]}]";
+    for (const auto& renderer : kRenderers) {
       auto start = std::chrono::steady_clock::now();
-      NbtextTest::Run run = RunNbtext(renderer[1] == 'h' ? std::vector<std::string>{"-html", file}
-                                                         : std::vector<std::string>{file});
+      NbtextTest::Run run = ConvertNotebook(notebook, renderer);
       std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-      EXPECT_EQ(run.status, 0) << what << " " << renderer << ": " << run.err.substr(0, 800);
-      EXPECT_LT(seconds.count(), 5.0) << what << " " << renderer;
+      EXPECT_EQ(run.status, 0) << what << (renderer.empty() ? " text: " : " html: ") << run.err.substr(0, 800);
+      EXPECT_LT(seconds.count(), 5.0) << what << (renderer.empty() ? " text" : " html");
     }
   }
 }

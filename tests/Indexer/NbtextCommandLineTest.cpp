@@ -1,7 +1,6 @@
 //===- NbtextCommandLineTest.cpp - Options, files, refusals, exit status --===//
 #include <gtest/gtest.h>
 #include "Indexer/NbtextRunner.h"
-#include "Kx/KxExprParser.h"
 
 namespace {
 using NbtextTest::RunNbtext;
@@ -13,25 +12,25 @@ const char* const kNotebookB = R"nb(Notebook[{Cell["beta", "Text"]}])nb";
 const char* const kIndented =
     R"nb(Notebook[{Cell[BoxData[RowBox[{"f", "[", "\[IndentingNewLine]", "x", "\[IndentingNewLine]", "]"}]], "Input"]}])nb";
 
+// With no file named, options or not, the notebook comes on standard input
+// and a failure names "stdin".
 TEST(NbtextCommandLineTest, StandardInputWhenNoFileIsNamed) {
-  auto run = RunNbtext({}, kNotebookA);
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.out, "alpha\n\n");
-  EXPECT_EQ(run.err, "");
-}
-
-TEST(NbtextCommandLineTest, OptionsAloneStillReadStandardInput) {
-  auto run = RunNbtext({"-noindent"}, kIndented);
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.out, "f[\nx\n]\n\n");
-  EXPECT_EQ(run.err, "");
-}
-
-TEST(NbtextCommandLineTest, StandardInputThatFailsIsLoggedAsStdin) {
-  auto run = RunNbtext({}, "<html></html>");
-  EXPECT_EQ(run.status, 255);
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(WithoutTimeStamps(run.err), "could not index file stdin\n");
+  const struct {
+    std::vector<std::string> arguments;
+    const char* input;
+    int status;
+    const char *out, *err;
+  } cases[] = {
+      {{}, kNotebookA, 0, "alpha\n\n", ""},
+      {{"-noindent"}, kIndented, 0, "f[\nx\n]\n\n", ""},
+      {{}, "<html></html>", 255, "", "could not index file stdin\n"},
+  };
+  for (const auto& c : cases) {
+    auto run = RunNbtext(c.arguments, c.input);
+    EXPECT_EQ(run.status, c.status) << c.input;
+    EXPECT_EQ(run.out, c.out) << c.input;
+    EXPECT_EQ(WithoutTimeStamps(run.err), c.err) << c.input;
+  }
 }
 
 TEST(NbtextCommandLineTest, OptionsMayStandAnywhereAndMatchAsPrefixes) {
@@ -58,27 +57,21 @@ TEST(NbtextCommandLineTest, OptionsMayStandAnywhereAndMatchAsPrefixes) {
   EXPECT_EQ(RunNbtext({file}).out, "f[\n\tx\n]\n\n");
 }
 
-TEST(NbtextCommandLineTest, UnopenableFilesAreAnnouncedAndSkipped) {
+// Between two good files, one that cannot be opened is announced and
+// skipped, while one that is no notebook is refused and ends the run.
+TEST(NbtextCommandLineTest, UnopenableFilesAreSkippedAFailingFileEndsTheRun) {
   TempDir dir;
-  std::string a = dir.write("a.nb", kNotebookA);
-  std::string b = dir.write("b.nb", kNotebookB);
-  auto run = RunNbtext({a, dir.path() + "/missing.nb", "-x", b});
+  std::string a = dir.write("a.nb", kNotebookA), b = dir.write("b.nb", kNotebookB);
+  std::string missing = dir.path() + "/missing.nb", bad = dir.write("bad.nb", "List[1, 2]");
+  auto run = RunNbtext({a, missing, "-x", b});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.out, "alpha\n\nbeta\n\n");
-  EXPECT_EQ(run.err, "Converting " + a + "\nConverting " + dir.path() + "/missing.nb\nConverting -x\nConverting " +
-                         b + "\n");
-}
-
-TEST(NbtextCommandLineTest, AFailingFileEndsTheRun) {
-  TempDir dir;
-  std::string a = dir.write("a.nb", kNotebookA);
-  std::string bad = dir.write("bad.nb", "List[1, 2]");
-  std::string b = dir.write("b.nb", kNotebookB);
-  auto run = RunNbtext({a, bad, b});
+  EXPECT_EQ(run.err, "Converting " + a + "\nConverting " + missing + "\nConverting -x\nConverting " + b + "\n");
+  run = RunNbtext({a, bad, b});
   EXPECT_EQ(run.status, 255);
   EXPECT_EQ(run.out, "alpha\n\n");
-  EXPECT_EQ(WithoutTimeStamps(run.err), "Converting " + a + "\nConverting " + bad + "\ncould not index file " + bad +
-                                            "\n");
+  EXPECT_EQ(WithoutTimeStamps(run.err),
+            "Converting " + a + "\nConverting " + bad + "\ncould not index file " + bad + "\n");
 }
 
 TEST(NbtextCommandLineTest, LogGoesToTheFileNamedByZNLOGFILE) {
@@ -113,33 +106,6 @@ TEST(NbtextCommandLineTest, RefusesWhatIsNoNotebook) {
     EXPECT_EQ(run.out, "") << what;
     std::string err = WithoutTimeStamps(run.err);
     EXPECT_NE(err.find("could not index file " + file + "\n"), std::string::npos) << what << ": " << err;
-  }
-}
-
-// The parser refuses nesting beyond its limit; everything it accepts the
-// walk must take without running out of stack, in each way of nesting.
-TEST(NbtextCommandLineTest, NestingJustUnderTheParsersLimitConverts) {
-  const int32_t outer = 4; // Notebook[ { Cell[ BoxData[
-  const int32_t levels = Zn::Kx::kMaxNestingDepth - outer - 2;
-  auto repeat = [](const std::string& theText, int32_t theCount) {
-    std::string out;
-    for (int32_t i = 0; i < theCount; ++i)
-      out += theText;
-    return out;
-  };
-  const struct {
-    const char* what;
-    std::string boxes;
-    std::string expected;
-  } shapes[] = {
-      {"rows", repeat("RowBox[{\"a\", ", levels / 2) + "\"x\"" + repeat("}]", levels / 2), repeat("a", levels / 2) + "x"},
-      {"lists", repeat("{", levels) + "x" + repeat("}", levels), "x"},
-      {"box groups", repeat("\\(", levels) + "x" + repeat("\\)", levels), "x"},
-  };
-  for (const auto& shape : shapes) {
-    auto run = NbtextTest::ConvertNotebook("Notebook[{Cell[BoxData[" + shape.boxes + "]]}]");
-    EXPECT_EQ(run.status, 0) << shape.what << ": " << run.err.substr(0, 300);
-    EXPECT_EQ(run.out, shape.expected) << shape.what;
   }
 }
 

@@ -32,30 +32,20 @@ FaultRun RunShape(const TempDir& theDir, const std::string& theFile, std::string
   return {status.substr(0, status.find('\n')), WithoutTimeStamps(theDir.read("err"))};
 }
 
-class NbtextOutputFaultTest : public testing::Test {
-protected:
-  void SetUp() override {
-    // Far more text than a pipe holds, so that writing goes on after the
-    // reader has gone.
-    file_ = dir_.write("big.nb", "Notebook[{Cell[\"" + std::string(1 << 20, 'z') + "\", \"Text\"]}]");
+TEST(NbtextOutputFaultTest, EveryWriteFaultIsARefusal) {
+  TempDir dir;
+  // Far more text than a pipe holds, so that writing goes on after the
+  // reader has gone.
+  std::string file = dir.write("big.nb", "Notebook[{Cell[\"" + std::string(1 << 20, 'z') + "\", \"Text\"]}]");
+  const struct { const char *what, *shape; } faults[] = {
+      {"closed standard output", "{ NBTEXT; } >&-"},
+      {"pipe closed by the reader", "{ NBTEXT; } | head -c 1 >/dev/null"},
+      {"full device", "{ NBTEXT; } >/dev/full"},
+  };
+  for (const auto& fault : faults) {
+    FaultRun run = RunShape(dir, file, fault.shape);
+    EXPECT_EQ(run.status, "255") << fault.what << ": " << run.err;
+    EXPECT_NE(run.err.find("could not index file " + file + "\n"), std::string::npos) << fault.what;
   }
-  void ExpectRefused(const FaultRun& theRun, const char* theWhat) {
-    EXPECT_EQ(theRun.status, "255") << theWhat << ": " << theRun.err;
-    EXPECT_NE(theRun.err.find("could not index file " + file_ + "\n"), std::string::npos) << theWhat;
-  }
-  TempDir dir_;
-  std::string file_;
-};
-
-TEST_F(NbtextOutputFaultTest, ClosedStandardOutputIsARefusal) {
-  ExpectRefused(RunShape(dir_, file_, "{ NBTEXT; } >&-"), "closed standard output");
-}
-
-TEST_F(NbtextOutputFaultTest, PipeClosedByTheReaderIsARefusal) {
-  ExpectRefused(RunShape(dir_, file_, "{ NBTEXT; } | head -c 1 >/dev/null"), "pipe closed early");
-}
-
-TEST_F(NbtextOutputFaultTest, FullDeviceIsARefusal) {
-  ExpectRefused(RunShape(dir_, file_, "{ NBTEXT; } >/dev/full"), "/dev/full");
 }
 } // namespace

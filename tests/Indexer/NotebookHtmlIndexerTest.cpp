@@ -24,6 +24,10 @@ struct Golden {
 
 void PrintTo(const Golden& theCase, std::ostream* theStream) { *theStream << theCase.name; }
 
+// The placeholder that stands for graphics of theWidth by theHeight pixels.
+#define GRAPHICS(theWidth, theHeight) \
+  "<table width=\"" theWidth "\" height=\"" theHeight "\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
+
 const Golden kGoldens[] = {
     // Cells and their margins.
     {"EmptyNotebook", "", ""},
@@ -67,20 +71,13 @@ const Golden kGoldens[] = {
     // Graphics.
     {"GraphicsPlaceholderHasADefaultSize",
      R"nb(Cell[BoxData[GraphicsBox[{LineBox[{{0, 0}, {1, 1}}]}, PlotLabel->"hidden"]], "Output"])nb",
-     "\n<div class=\"Output\"><table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr>"
-     "<td align=\"center\">-Graphics-</td></tr></table></div>"},
+     "\n<div class=\"Output\">" GRAPHICS("320", "240") "</div>"},
     {"NamedImageSizes",
      R"nb(Cell[BoxData[RowBox[{GraphicsBox[{}, ImageSize->Tiny], GraphicsBox[{}, ImageSize->Small], Graphics3DBox[{}, ImageSize->Medium], GraphicsBox[{}, ImageSize->Large], GraphicsBox[{}, ImageSize->Huge]}]]])nb",
-     "<table width=\"100\" height=\"58\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
-     "<table width=\"180\" height=\"106\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
-     "<table width=\"360\" height=\"215\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
-     "<table width=\"576\" height=\"349\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
-     "<table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"},
+     GRAPHICS("100", "58") GRAPHICS("180", "106") GRAPHICS("360", "215") GRAPHICS("576", "349") GRAPHICS("320", "240")},
     {"NumericImageSizesAndTheLastOneWins",
      R"nb(Cell[BoxData[RowBox[{GraphicsBox[{}, ImageSize->{400, 300}], GraphicsBox[{}, ImageSize->Small, ImageSize->200.7], GraphicsData["PostScript", "%!", ImageSize->{50, 60}]}]]])nb",
-     "<table width=\"400\" height=\"300\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
-     "<table width=\"200\" height=\"200\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
-     "<table width=\"50\" height=\"60\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"},
+     GRAPHICS("400", "300") GRAPHICS("200", "200") GRAPHICS("50", "60")},
     // Style boxes.
     {"UprightSlantKeepsItsSpelling", R"nb(Cell[BoxData[StyleBox["x", FontSlant->"Plain"]]])nb",
      "<span style=\"font-stlye:normal;\">x</span>"},
@@ -161,6 +158,7 @@ const Golden kGoldens[] = {
      "<table border=\"1\">\n<tr><td>a</td><td>b</td></tr><tr><td>c</td></tr><tr></tr>"
      "<tr><td></td><td>&lt;</td></tr></table>\n"},
 };
+#undef GRAPHICS
 
 class NotebookHtmlGoldenTest : public testing::TestWithParam<Golden> {};
 
