@@ -85,88 +85,69 @@ TEST_F(EncodingTest, DecodesEscapesFromBytesAndUnits) {
 }
 
 namespace {
-std::string Bytes(const Data* theData) {
-  return std::string(reinterpret_cast<const char*>(theData->getBytesPtr()), size_t(theData->getLength()));
-}
+// The three ways out: units as seven-bit text, bytes (only those up to 127
+// are escaped), and strings escaped for display.
+enum class Way { kUnits, kBytes, kEscape };
+struct WriteCase { Way way; std::u16string input; uint32_t flags; const char* expected; };
 
-struct EncodeCase { std::u16string input; uint32_t flags; const char* expected; };
-
-const EncodeCase kEncodeCases[] = {
+const WriteCase kWriteCases[] = {
     // Names follow the range bits; without them, hexadecimal escapes.
-    {u"\u03B1", 0x10C, "\\[Alpha]"},
-    {u"\u03B1", 0x108, "\\:03b1"},
-    {u"\u00E9", 0x10D, "\\.e9"},
-    {u"\u00E9", 0x002, "\\[EAcute]"},
-    {u"\uF720\uF3A0", 0x008, "\\[Pictogram1]\\[Null]"},
-    {u"\u221E", 0x00F, "\\:221e"},
-    {u"\u221E", 0x010, "\\[Infinity]"},
-    {u"!\t", 0x001, "\\[RawExclamation]\\[RawTab]"},
-    {u"\U0001F600", 0x01F, "\\:d83d\\:de00"},
+    {Way::kUnits, u"\u03B1", 0x10C, "\\[Alpha]"},
+    {Way::kUnits, u"\u03B1", 0x108, "\\:03b1"},
+    {Way::kUnits, u"\u00E9", 0x10D, "\\.e9"},
+    {Way::kUnits, u"\u00E9", 0x002, "\\[EAcute]"},
+    {Way::kUnits, u"\uF720\uF3A0", 0x008, "\\[Pictogram1]\\[Null]"},
+    {Way::kUnits, u"\u221E", 0x00F, "\\:221e"},
+    {Way::kUnits, u"\u221E", 0x010, "\\[Infinity]"},
+    {Way::kUnits, u"!\t", 0x001, "\\[RawExclamation]\\[RawTab]"},
+    {Way::kUnits, u"\U0001F600", 0x01F, "\\:d83d\\:de00"},
     // Replacements win over names and apply whatever the flags.
-    {u"a\u2192b\uF522", 0x01F, "a->b->"},
-    {u"x\uF360y\u2028\u03C0", 0x10C, "xy\nPi"},
+    {Way::kUnits, u"a\u2192b\uF522", 0x01F, "a->b->"},
+    {Way::kUnits, u"x\uF360y\u2028\u03C0", 0x10C, "xy\nPi"},
     // Quotes and backslashes only with their flag.
-    {u"\"\\", 0x040, "\\\"\\\\"},
-    {u"\"\\", 0x000, "\"\\"},
+    {Way::kUnits, u"\"\\", 0x040, "\\\"\\\\"},
+    {Way::kUnits, u"\"\\", 0x000, "\"\\"},
     // Controls: tab, line feed, carriage return and DEL go out raw.
-    {u"\a\t\n\r\x7F\x80", 0x000, "\\.07\t\n\r\x7F\\.80"},
-};
-} // namespace
-
-TEST_F(EncodingTest, EncodesUnitsAsSevenBitText) {
-  for (const EncodeCase& c : kEncodeCases) {
-    auto encoding = adopt(new Encoding(c.flags));
-    auto data = adopt(new MutableData());
-    EXPECT_EQ(encoding->encodeCharacters(Ptr(c.input), ZnIndex(c.input.size()), data.get(), true),
-              ZnIndex(c.input.size()));
-    EXPECT_EQ(Bytes(data.get()), c.expected) << "flags " << c.flags;
-  }
-}
-
-TEST_F(EncodingTest, EncodesBytesLeavingHighBytesRaw) {
-  const struct { const char* input; uint32_t flags; const char* expected; } kCases[] = {
-      {"a\xE9\xFF", 0x10C, "a\xE9\xFF"},
-      {"a\xE9", 0x002, "a\\[EAcute]"},
-      {"\a\x1B\t\r\n\x7F", 0x000, "\\.07\\.1b\t\r\n\x7F"},
-      {"\"", 0x040, "\\\""},
-  };
-  for (const auto& c : kCases) {
-    auto encoding = adopt(new Encoding(c.flags));
-    auto data = adopt(new MutableData());
-    std::string input = c.input;
-    EXPECT_EQ(encoding->encodeBytes(reinterpret_cast<const uint8_t*>(input.data()), ZnIndex(input.size()),
-                                    data.get(), true),
-              ZnIndex(input.size()));
-    EXPECT_EQ(Bytes(data.get()), c.expected) << c.input;
-  }
-}
-
-namespace {
-struct EscapeCase { std::u16string input; uint32_t flags; const char* expected; };
-
-const EscapeCase kEscapeCases[] = {
-    // Names follow the range bits.
-    {u"\u03B1", 0x10C, "\\[Alpha]"},
-    {u"\u03B1", 0x108, "\u03B1"},
-    {u"\u221E\u00E9", 0x00D, "\u221E\u00E9"},
+    {Way::kUnits, u"\a\t\n\r\x7F\x80", 0x000, "\\.07\t\n\r\x7F\\.80"},
+    // Bytes above 127 go out raw unless a name is asked for.
+    {Way::kBytes, u"a\xE9\xFF", 0x10C, "a\xE9\xFF"},
+    {Way::kBytes, u"a\xE9", 0x002, "a\\[EAcute]"},
+    {Way::kBytes, u"\a\x1B\t\r\n\x7F", 0x000, "\\.07\\.1b\t\r\n\x7F"},
+    {Way::kBytes, u"\"", 0x040, "\\\""},
+    // For display: names follow the range bits; other characters stay.
+    {Way::kEscape, u"\u03B1", 0x10C, "\\[Alpha]"},
+    {Way::kEscape, u"\u03B1", 0x108, "\u03B1"},
+    {Way::kEscape, u"\u221E\u00E9", 0x00D, "\u221E\u00E9"},
     // Quotes and backslashes with their flag, also inside a run of plain text.
-    {u"\"\\", 0x040, "\\\"\\\\"},
-    {u"say \"hi\" now", 0x040, "say \\\"hi\\\" now"},
+    {Way::kEscape, u"\"\\", 0x040, "\\\"\\\\"},
+    {Way::kEscape, u"say \"hi\" now", 0x040, "say \\\"hi\\\" now"},
     // ASCII names break a run of plain text where a name exists.
-    {u"a!b c", 0x001, "a\\[RawExclamation]b\\[RawSpace]c"},
+    {Way::kEscape, u"a!b c", 0x001, "a\\[RawExclamation]b\\[RawSpace]c"},
     // Control characters get a doubled backslash; tab, line feed, DEL and
     // non-ASCII, surrogates included, stay.
-    {u"\a\r\t\n\x7F", 0x10C, "\\\\.07\\\\.0d\t\n\x7F"},
-    {u"\U0001F600", 0x01F, "\U0001F600"},
+    {Way::kEscape, u"\a\r\t\n\x7F", 0x10C, "\\\\.07\\\\.0d\t\n\x7F"},
+    {Way::kEscape, u"\U0001F600", 0x01F, "\U0001F600"},
 };
 } // namespace
 
-TEST_F(EncodingTest, EscapesStringsForDisplay) {
-  for (const EscapeCase& c : kEscapeCases) {
+TEST_F(EncodingTest, WritesUnitsBytesAndStringsForDisplay) {
+  for (const WriteCase& c : kWriteCases) {
+    SCOPED_TRACE(testing::Message() << "way " << int(c.way) << " flags " << c.flags << " expected " << c.expected);
     auto encoding = adopt(new Encoding(c.flags));
-    auto out = adopt(new MutableString());
-    encoding->escapeString(Ptr(c.input), ZnIndex(c.input.size()), out.get());
-    EXPECT_EQ(ZnTest::Utf8(out.get()), c.expected) << "flags " << c.flags << " expected " << c.expected;
+    const ZnIndex count = ZnIndex(c.input.size());
+    if (c.way == Way::kEscape) {
+      auto out = adopt(new MutableString());
+      encoding->escapeString(Ptr(c.input), count, out.get());
+      EXPECT_EQ(ZnTest::Utf8(out.get()), c.expected);
+      continue;
+    }
+    auto data = adopt(new MutableData());
+    std::string bytes(c.input.begin(), c.input.end()); // the cases' bytes are all below 256
+    EXPECT_EQ(c.way == Way::kUnits
+                  ? encoding->encodeCharacters(Ptr(c.input), count, data.get(), true)
+                  : encoding->encodeBytes(reinterpret_cast<const uint8_t*>(bytes.data()), count, data.get(), true),
+              count);
+    EXPECT_EQ(ZnTest::Bytes(data.get()), c.expected);
   }
 }
 
@@ -180,35 +161,27 @@ TEST_F(EncodingTest, EncodeCharacterReportsWhetherItWrote) {
   EXPECT_FALSE(encoding->encodeCharacter('a', out.get(), 0x1F));
   EXPECT_TRUE(encoding->encodeCharacter(0x03B1, data.get(), 0x004));
   EXPECT_TRUE(encoding->encodeCharacter(0xF360, out.get(), 0));
-  EXPECT_EQ(Bytes(data.get()), "\\[Alpha]");
+  EXPECT_EQ(ZnTest::Bytes(data.get()), "\\[Alpha]");
   EXPECT_EQ(out->length(), 0);
 }
 
 // A replacement set on one encoding is its own: other encodings, made
-// before or after, keep the standard ones.
-TEST_F(EncodingTest, ReplacementsAreCopiedOnWrite) {
+// before or after, keep the standard ones. Plain ASCII text is copied in
+// runs; a replaced ASCII character is still replaced inside such a run.
+TEST_F(EncodingTest, ReplacementsApplyInsideTextAndAreCopiedOnWrite) {
   auto changed = adopt(new Encoding(Encoding::kTextFlags));
   auto before = adopt(new Encoding(Encoding::kTextFlags));
   changed->setReplacement(0x03B1, "alpha");
   changed->setReplacement(0x2192, "to");
   changed->setReplacement(0x2192, "=>");
+  changed->setReplacement('x', "[x]");
   auto after = adopt(new Encoding(Encoding::kTextFlags));
-  const std::u16string text = u"\u03B1\u2192\u2190";
-  for (auto [encoding, expected] : {std::pair{changed.get(), "alpha=><-"}, std::pair{before.get(), "\\[Alpha]-><-"},
-                                    std::pair{after.get(), "\\[Alpha]-><-"}}) {
+  const std::u16string text = u"\u03B1\u2192\u2190 xy";
+  for (auto [encoding, expected] : {std::pair{changed.get(), "alpha=><- [x]y"},
+                                    std::pair{before.get(), "\\[Alpha]-><- xy"},
+                                    std::pair{after.get(), "\\[Alpha]-><- xy"}}) {
     auto out = adopt(new MutableString());
     encoding->escapeString(Ptr(text), ZnIndex(text.size()), out.get());
     EXPECT_EQ(ZnTest::Utf8(out.get()), expected);
   }
-}
-
-// Plain ASCII text is copied in runs; a replacement of an ASCII character
-// still applies inside such a run.
-TEST_F(EncodingTest, AReplacedASCIICharacterIsReplacedInsideText) {
-  auto encoding = adopt(new Encoding(Encoding::kTextFlags));
-  encoding->setReplacement('x', "[x]");
-  const std::u16string text = u"a xy z\u2192";
-  auto out = adopt(new MutableString());
-  encoding->escapeString(Ptr(text), ZnIndex(text.size()), out.get());
-  EXPECT_EQ(ZnTest::Utf8(out.get()), "a [x]y z->");
 }

@@ -95,7 +95,7 @@ TEST_F(ObjectDeathTest, RetainOfDeadObjectIsReported) {
       testing::ExitedWithCode(255), "Assertion \"refCount_ != 0\" failed with code ZnObject.cpp:[0-9]+:0");
 }
 
-TEST_F(ObjectDeathTest, AssertionReportFormatWithAndWithoutContext) {
+TEST_F(ObjectDeathTest, AssertionReportFormatWithAndWithoutContextOrHandler) {
   EXPECT_EXIT(ReportAssertion("theString != NULL", 0, "/a/b/Sources/Zn/Base/ZnMemory.cpp", 365),
               testing::ExitedWithCode(255),
               "^[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}: Assertion \"theString != NULL\" failed "
@@ -107,9 +107,7 @@ TEST_F(ObjectDeathTest, AssertionReportFormatWithAndWithoutContext) {
         ZnAssert(1 + 1 == 3, 42);
       },
       testing::ExitedWithCode(255), "Error while processing file x.nb:\n\nAssertion \"1 \\+ 1 == 3\" failed with code ZnObjectTest.cpp:[0-9]+:42");
-}
-
-TEST_F(ObjectDeathTest, WithoutHandlerTheProcessExitsWithMinusOne) {
+  // Without a handler the process exits with -1.
   EXPECT_EXIT(
       {
         SetAssertionHandler(nullptr);

@@ -2,6 +2,7 @@
 #include "Support/ZnTestSupport.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Collection/ZnArray.h"
+#include "Zn/Collection/ZnIndexSet.h"
 
 using namespace Zn;
 
@@ -72,6 +73,7 @@ TEST_F(ArrayTest, InsertAndRemoveKeepOrder) {
       {"abc", [](MutableArray* a) { a->insertObjectAtIndex(1, Str("x").get()); }, "a x b c"},
       {"abc", [](MutableArray* a) { a->removeObjectAtIndex(0); }, "b c"},
       {"abcde", [](MutableArray* a) { a->removeObjectsInRange(Range(1, 3)); }, "a e"},
+      {"abcde", [](MutableArray* a) { a->removeObjectsAtIndexes(adopt(new IndexSet(2, 3, 1)).get()); }, "a c e"},
       {"abcd", [](MutableArray* a) { a->moveObject(0, 3); }, "b c d a"},
       {"abcd", [](MutableArray* a) { a->moveObject(3, 1); }, "a d b c"},
       {"abab", [](MutableArray* a) { a->removeObject(Str("b").get()); }, "a a b"},
