@@ -95,3 +95,12 @@ extern Constant Output, Title, Author, CellTags, Evaluator, InitializationCell;
 extern Constant Notebook, StyleDefinitions, Embedded, FrontEndVersion, WindowFrame,
     WindowClickSelect, WindowSize, Palette, WindowTitle, Style;
 } // namespace Vocabulary
+
+/// Whether theExpr (which may be null) is a compound whose head is the
+/// built-in symbol theHead.
+inline bool isHead(const Zn::Kx::Expr* theExpr, Zn::Kx::Head theHead) {
+  return theExpr && !theExpr->isAtom() && theExpr->head()->isEqual(Zn::Kx::HeadSymbol(theHead));
+}
+
+/// Whether theExpr (which may be null) is a List[...].
+inline bool isList(const Zn::Kx::Expr* theExpr) { return isHead(theExpr, Zn::Kx::Head::List); }

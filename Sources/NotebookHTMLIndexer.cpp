@@ -22,12 +22,6 @@ namespace {
 
 //===--- Expression helpers ---------------------------------------------===//
 
-bool isHead(const Expr* theExpr, Head theHead) {
-  return theExpr && !theExpr->isAtom() && theExpr->head()->isEqual(HeadSymbol(theHead));
-}
-
-bool isList(const Expr* theExpr) { return isHead(theExpr, Head::List); }
-
 bool isNumber(const Expr* theExpr) { return dynamic_cast<const Zn::Kx::Number*>(theExpr) != nullptr; }
 
 /// The name of a symbol atom, or null. Borrowed.

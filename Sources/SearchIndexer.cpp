@@ -28,12 +28,6 @@ namespace {
 
 //===--- Expression helpers -----------------------------------------------===//
 
-bool isHead(const Expr* theExpr, Head theHead) {
-  return theExpr && !theExpr->isAtom() && theExpr->head()->isEqual(HeadSymbol(theHead));
-}
-
-bool isList(const Expr* theExpr) { return isHead(theExpr, Head::List); }
-
 /// Rule[a, b] or RuleDelayed[a, b] with exactly two parts.
 bool isRule(const Expr* theExpr) {
   return (isHead(theExpr, Head::Rule) || isHead(theExpr, Head::RuleDelayed)) && theExpr->length() == 2;
