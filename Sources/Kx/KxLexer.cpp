@@ -25,17 +25,6 @@ bool IsLetter(ZnUnichar c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 
 /// everything beyond ASCII.
 bool IsNameStart(ZnUnichar c) { return IsLetter(c) || c == '$' || c == '`' || c > 127; }
 
-/// The value of c as a digit of any base up to 36, or 99.
-int32_t DigitValue(ZnUnichar c) {
-  if (c >= '0' && c <= '9')
-    return c - '0';
-  if (c >= 'A' && c <= 'Z')
-    return c - 'A' + 10;
-  if (c >= 'a' && c <= 'z')
-    return c - 'a' + 10;
-  return 99;
-}
-
 /// The second characters of the box operators ("\(", "\^", ...).
 bool IsBoxOperatorCharacter(ZnUnichar c) {
   switch (c) {

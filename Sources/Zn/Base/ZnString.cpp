@@ -164,17 +164,6 @@ String* String::lowercaseString() const {
   return lowered;
 }
 
-// The digit value of a character in bases up to 36, or 99 when it is none.
-static int DigitValue(ZnUnichar theCharacter) {
-  if (theCharacter >= '0' && theCharacter <= '9')
-    return theCharacter - '0';
-  if (theCharacter >= 'A' && theCharacter <= 'Z')
-    return theCharacter - 'A' + 10;
-  if (theCharacter >= 'a' && theCharacter <= 'z')
-    return theCharacter - 'a' + 10;
-  return 99;
-}
-
 bool String::doubleValue(double* theResult, int theBase) const {
   ZnAssert(theBase >= 2, theBase);
   ZnAssert(theBase <= 36, theBase);

@@ -9,6 +9,19 @@ class Data;
 class MutableData;
 class StringEncoding;
 
+/// The value of a character as a digit in bases up to 36 (0-9, then A-Z
+/// or a-z for 10-35), or 99 when it is none: one comparison with the base
+/// then rules out both.
+inline int32_t DigitValue(ZnUnichar theCharacter) {
+  if (theCharacter >= '0' && theCharacter <= '9')
+    return theCharacter - '0';
+  if (theCharacter >= 'A' && theCharacter <= 'Z')
+    return theCharacter - 'A' + 10;
+  if (theCharacter >= 'a' && theCharacter <= 'z')
+    return theCharacter - 'a' + 10;
+  return 99;
+}
+
 /// Immutable sequence of UTF-16 code units. Every message, description and
 /// rendered page is built in strings.
 class String : public Object {

@@ -173,23 +173,12 @@ bool Reader::skipWhitespace() {
   return true;
 }
 
-// 0-9, then A-Z and a-z for 10-35; -1 for anything else.
-static int32_t DigitValue(ZnUnichar theCharacter) {
-  if (theCharacter >= '0' && theCharacter <= '9')
-    return theCharacter - 48;
-  if (theCharacter >= 'A' && theCharacter <= 'Z')
-    return theCharacter - 55;
-  if (theCharacter >= 'a' && theCharacter <= 'z')
-    return theCharacter - 87;
-  return -1;
-}
-
 bool Reader::readDigit(int theRadix, int32_t* theOut) {
   ZnUnichar c;
   if (!take(&c))
     return false;
   int32_t value = DigitValue(c);
-  if (value < 0) {
+  if (value > 35) {
     unreadCharacter(c);
     return false;
   }
@@ -209,7 +198,7 @@ bool Reader::readInteger(int32_t* theOut, int theRadix) {
   *theOut = 0;
   while (take(&c)) {
     int32_t digit = DigitValue(c);
-    if (digit < 0 || digit >= theRadix) {
+    if (digit >= theRadix) {
       unreadCharacter(c);
       break;
     }
