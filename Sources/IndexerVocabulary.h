@@ -1,5 +1,6 @@
 //===- IndexerVocabulary.h - Heads and option names the walk recognises ---===//
 #pragma once
+#include "Kx/KxString.h"
 #include "Kx/KxSymbol.h"
 #include "Zn/Base/ZnRef.h"
 
@@ -104,3 +105,16 @@ inline bool isHead(const Zn::Kx::Expr* theExpr, Zn::Kx::Head theHead) {
 
 /// Whether theExpr (which may be null) is a List[...].
 inline bool isList(const Zn::Kx::Expr* theExpr) { return isHead(theExpr, Zn::Kx::Head::List); }
+
+/// Rule[a, b] or RuleDelayed[a, b] with exactly two parts.
+inline bool isRule(const Zn::Kx::Expr* theExpr) {
+  return (isHead(theExpr, Zn::Kx::Head::Rule) || isHead(theExpr, Zn::Kx::Head::RuleDelayed)) &&
+         theExpr->length() == 2;
+}
+
+/// The text of a string atom, or null for anything else (theExpr may be
+/// null). Borrowed.
+inline Zn::String* stringText(const Zn::Kx::Expr* theExpr) {
+  auto string = theExpr ? theExpr->asCharacterString() : nullptr;
+  return string ? string->getValue() : nullptr;
+}

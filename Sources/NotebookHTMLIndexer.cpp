@@ -30,12 +30,6 @@ Zn::String* symbolName(const Expr* theExpr) {
   return symbol ? symbol->getName() : nullptr;
 }
 
-/// The text of a string atom, or null. Borrowed.
-Zn::String* stringText(const Expr* theExpr) {
-  auto string = dynamic_cast<const Zn::Kx::CharacterString*>(theExpr);
-  return string ? string->getValue() : nullptr;
-}
-
 bool isNamed(const Zn::String* theName, const char* theASCII) {
   return theName && theName->compareToCString(theASCII, true) == 0;
 }

@@ -1,5 +1,7 @@
 //===- SearchIndexer.cpp - Walks a parsed notebook for a renderer ---------===//
 #include "SearchIndexer.h"
+#include "AtomText.h"
+#include "CodeDecorator.h"
 #include "IndexerVocabulary.h"
 #include "Kx/KxEncoding.h"
 #include "Kx/KxExprParser.h"
@@ -15,11 +17,9 @@
 #include "Zn/IO/ZnReader.h"
 #include "Zn/IO/ZnStream.h"
 #include "Zn/IO/ZnWriter.h"
-#include <cstring>
 
 using Zn::adopt;
 using Zn::retained;
-using Zn::Kx::CharacterString;
 using Zn::Kx::Expr;
 using Zn::Kx::Head;
 using Zn::Kx::HeadSymbol;
@@ -27,17 +27,6 @@ using Zn::Kx::HeadSymbol;
 namespace {
 
 //===--- Expression helpers -----------------------------------------------===//
-
-/// Rule[a, b] or RuleDelayed[a, b] with exactly two parts.
-bool isRule(const Expr* theExpr) {
-  return (isHead(theExpr, Head::Rule) || isHead(theExpr, Head::RuleDelayed)) && theExpr->length() == 2;
-}
-
-/// The text of a string atom, or null for anything else. Borrowed.
-Zn::String* stringText(const Expr* theExpr) {
-  auto string = theExpr ? theExpr->asCharacterString() : nullptr;
-  return string ? string->getValue() : nullptr;
-}
 
 /// A string atom of one character that is one of theCharacters.
 bool isOneCharacterOf(const Expr* theExpr, const char* theCharacters) {
@@ -69,162 +58,7 @@ Expr* optionValue(Expr* theBox, ZnIndex theFirst, Vocabulary::Constant& theName)
 /// The graphics options say None for a label that is not there.
 const Vocabulary::Word sNone("None");
 
-int hexValue(ZnUnichar theCharacter) {
-  if (theCharacter >= '0' && theCharacter <= '9')
-    return theCharacter - '0';
-  if (theCharacter >= 'a' && theCharacter <= 'f')
-    return theCharacter - 'a' + 10;
-  if (theCharacter >= 'A' && theCharacter <= 'F')
-    return theCharacter - 'A' + 10;
-  return -1;
-}
-
-/// The value of theDigits hexadecimal digits at theText, or -1.
-int32_t hexNumber(const ZnUnichar* theText, ZnIndex theDigits) {
-  int32_t value = 0;
-  for (ZnIndex i = 0; i < theDigits; ++i) {
-    int digit = hexValue(theText[i]);
-    if (digit < 0)
-      return -1;
-    value = value * 16 + digit;
-  }
-  return value;
-}
-
-/// Whether a box group ("\\(" or "\\!\\(") opens at theIndex, a backslash.
-bool opensBoxGroup(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex) {
-  if (theIndex + 1 < theLength && theText[theIndex + 1] == '(')
-    return true;
-  return theIndex + 3 < theLength && theText[theIndex + 1] == '!' && theText[theIndex + 2] == '\\' &&
-         theText[theIndex + 3] == '(';
-}
-
-/// Where the box group that opens at theStart ends: the index just after
-/// its closing "\\)", or -1 when it never closes.
-ZnIndex boxGroupEnd(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theStart) {
-  ZnIndex i = theStart + (theText[theStart + 1] == '!' ? 4 : 2);
-  int32_t depth = 1;
-  while (i + 1 < theLength) {
-    if (theText[i] != '\\') {
-      ++i;
-      continue;
-    }
-    if (theText[i + 1] == '(')
-      ++depth;
-    else if (theText[i + 1] == ')' && --depth == 0)
-      return i + 2;
-    i += 2;
-  }
-  return -1;
-}
-
-/// Whether the text between the first and the last character holds no
-/// double quote that a backslash does not escape: "a" is one string literal,
-/// "a" <> "b" is not.
-bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength) {
-  if (theLength < 2 || theText[0] != '"' || theText[theLength - 1] != '"')
-    return false;
-  for (ZnIndex i = 1; i < theLength - 1; ++i) {
-    if (theText[i] == '\\')
-      ++i;
-    else if (theText[i] == '"')
-      return false;
-  }
-  return true;
-}
-
-//===--- Hooks that need not be called ------------------------------------===//
-
-// Several hooks do nothing by default, and building their arguments costs a
-// rendering pass. The walk asks whether the renderer's class put another
-// function in the hook's slot. g++ can turn a pointer to a virtual member
-// bound to an object into the address of the function that the object's
-// class uses; clang cannot, so there the slot is read the way the C++ ABI
-// lays out a pointer to a virtual member (the vtable offset, plus 1 except
-// on ARM, which marks virtual members in the adjustment instead). The
-// addresses of the defaults come from a plain SearchIndexer made once
-// before main.
-#if defined(__clang__)
-template <class F> const void* slotAddress(SearchIndexer* theIndexer, F SearchIndexer::*theMember) {
-  struct {
-    uintptr_t pointer;
-    ptrdiff_t adjustment;
-  } member;
-  static_assert(sizeof member == sizeof theMember);
-  std::memcpy(&member, &theMember, sizeof member);
-#if defined(__arm__) || defined(__aarch64__)
-  uintptr_t offset = member.pointer;
-  ptrdiff_t adjustment = member.adjustment >> 1;
-#else
-  uintptr_t offset = member.pointer - 1;
-  ptrdiff_t adjustment = member.adjustment;
-#endif
-  const char* vtable = *reinterpret_cast<const char* const*>(reinterpret_cast<const char*>(theIndexer) + adjustment);
-  return *reinterpret_cast<const void* const*>(vtable + offset);
-}
-#define HOOK_ADDRESS(theMember) slotAddress(self, &SearchIndexer::theMember)
-#else
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpmf-conversions"
-#define HOOK_ADDRESS(theMember) reinterpret_cast<const void*>(self->*(&SearchIndexer::theMember))
-#endif
 } // namespace
-
-enum SearchIndexer::Hook : int32_t {
-  kSetTitle,
-  kNoteCellText,
-  kSetNotebookKind,
-  kSetEvaluator,
-  kNoteCellOption,
-  kSetStyleDefinitions,
-  kSetFrontEndVersion,
-  kSetWindowFrame,
-  kSetWindowSize,
-  kWriteActionMenu,
-  kWriteInputField,
-  kWritePopupMenu,
-  kHookCount
-};
-
-namespace {
-const void* hookAddress(const SearchIndexer* theIndexer, int32_t theHook) {
-  auto self = const_cast<SearchIndexer*>(theIndexer);
-  switch (theHook) {
-  case 0: return HOOK_ADDRESS(setTitle);
-  case 1: return HOOK_ADDRESS(noteCellText);
-  case 2: return HOOK_ADDRESS(setNotebookKind);
-  case 3: return HOOK_ADDRESS(setEvaluator);
-  case 4: return HOOK_ADDRESS(noteCellOption);
-  case 5: return HOOK_ADDRESS(setStyleDefinitions);
-  case 6: return HOOK_ADDRESS(setFrontEndVersion);
-  case 7: return HOOK_ADDRESS(setWindowFrame);
-  case 8: return HOOK_ADDRESS(setWindowSize);
-  case 9: return HOOK_ADDRESS(writeActionMenu);
-  case 10: return HOOK_ADDRESS(writeInputField);
-  case 11: return HOOK_ADDRESS(writePopupMenu);
-  default: return nullptr;
-  }
-}
-#undef HOOK_ADDRESS
-#if !defined(__clang__)
-#pragma GCC diagnostic pop
-#endif
-
-struct DefaultHooks {
-  const void* addresses[12];
-  DefaultHooks() {
-    auto probe = adopt(new SearchIndexer());
-    for (int32_t i = 0; i < 12; ++i)
-      addresses[i] = hookAddress(probe.get(), i);
-  }
-};
-const DefaultHooks sDefaultHooks;
-} // namespace
-
-bool SearchIndexer::overrides(Hook theHook) const {
-  static_assert(kHookCount == 12, "one default address per hook");
-  return hookAddress(this, theHook) != sDefaultHooks.addresses[theHook];
-}
 
 //===--- Scratch text -----------------------------------------------------===//
 
@@ -531,8 +365,8 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
     // A string that holds a string literal, written "\"...\"": where string
     // characters are hidden, its quotes go and its own escapes resolve.
     Scratch value(this);
-    resolveEscapes(units, length, value.get());
-    if (isOneStringLiteral(value->getCharactersPtr(), value->length())) {
+    AtomText::resolveEscapes(units, length, value.get());
+    if (AtomText::isOneStringLiteral(value->getCharactersPtr(), value->length())) {
       writeAtomText(value->getCharactersPtr() + 1, value->length() - 2, theContext);
       return;
     }
@@ -554,81 +388,6 @@ void SearchIndexer::writeResolvedText(const ZnUnichar* theCharacters, ZnIndex th
   theContext.writer->putCharacters(out->getCharactersPtr(), out->length());
 }
 
-ZnIndex SearchIndexer::resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex,
-                                     Zn::MutableString* theResult) {
-  // theText[theIndex] is a backslash with at least one character after it.
-  const ZnUnichar next = theText[theIndex + 1];
-  switch (next) {
-  case '"':
-  case '\\': theResult->appendCharacter(next); return theIndex + 2;
-  case 'n':
-  case 'r': theResult->appendCharacter(10); return theIndex + 2;
-  case 't': theResult->appendCharacter(9); return theIndex + 2;
-  // String markers and line continuations show nothing.
-  case '<':
-  case '>':
-  case 10: return theIndex + 2;
-  case 13: return theIndex + 2 < theLength && theText[theIndex + 2] == 10 ? theIndex + 3 : theIndex + 2;
-  case '[': {
-    ZnIndex close = theIndex + 2;
-    while (close < theLength && theText[close] != ']' && theText[close] != '\\' && theText[close] != '"')
-      ++close;
-    ZnUnichar code = 0;
-    if (close < theLength && theText[close] == ']' &&
-        Zn::Kx::Encoding::lookupNamedCharacter(theText + theIndex + 2, close - theIndex - 2, &code)) {
-      theResult->appendCharacter(code);
-      return close + 1;
-    }
-    break;
-  }
-  case '.':
-    if (theIndex + 4 <= theLength) {
-      int32_t code = hexNumber(theText + theIndex + 2, 2);
-      if (code >= 0) {
-        theResult->appendCharacter(ZnUnichar(code));
-        return theIndex + 4;
-      }
-    }
-    break;
-  case ':':
-    if (theIndex + 6 <= theLength) {
-      int32_t code = hexNumber(theText + theIndex + 2, 4);
-      if (code >= 0) {
-        theResult->appendCharacter(ZnUnichar(code));
-        return theIndex + 6;
-      }
-    }
-    break;
-  default: break;
-  }
-  // Not an escape: the backslash is text like any other character.
-  theResult->appendCharacter('\\');
-  return theIndex + 1;
-}
-
-void SearchIndexer::resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult) {
-  ZnIndex i = 0;
-  while (i < theLength) {
-    if (theText[i] != '\\' || i + 1 >= theLength) {
-      // Text up to the next backslash is copied as it is.
-      ZnIndex end = i + 1;
-      while (end < theLength && theText[end] != '\\')
-        ++end;
-      theResult->appendCharacters(theText + i, end - i);
-      i = end;
-      continue;
-    }
-    // A box group is kept as written, for writeAtomText to parse.
-    ZnIndex end = opensBoxGroup(theText, theLength, i) ? boxGroupEnd(theText, theLength, i) : -1;
-    if (end > 0) {
-      theResult->appendCharacters(theText + i, end - i);
-      i = end;
-      continue;
-    }
-    i = resolveEscape(theText, theLength, i, theResult);
-  }
-}
-
 void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, const IndexContext& theContext) {
   // Without a backslash there is no escape to resolve and no box group.
   ZnIndex backslash = 0;
@@ -641,92 +400,23 @@ void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, c
   // Box groups can only be found once the escapes around them are resolved:
   // a group inside a string inside a string is written "\\!\\(...\\)".
   Scratch resolved(this);
-  resolveEscapes(theText, theLength, resolved.get());
+  AtomText::resolveEscapes(theText, theLength, resolved.get());
   const ZnUnichar* text = resolved->getCharactersPtr();
   const ZnIndex length = resolved->length();
   ZnIndex written = 0;
-  for (ZnIndex i = 0; i + 1 < length; ++i) {
-    if (text[i] != '\\' || !opensBoxGroup(text, length, i))
+  ZnIndex start = 0;
+  ZnIndex end = 0;
+  for (ZnIndex from = 0; AtomText::findBoxGroup(text, length, from, &start, &end);) {
+    Zn::Ref<Expr> box = adopt(AtomText::parseBoxGroup(text + start, end - start));
+    if (!box) {
+      from = start + 1;
       continue;
-    ZnIndex end = boxGroupEnd(text, length, i);
-    if (end < 0)
-      break;
-    Zn::Ref<Expr> box = adopt(parseBoxGroup(text + i, end - i));
-    if (!box)
-      continue;
-    writeResolvedText(text + written, i - written, theContext);
+    }
+    writeResolvedText(text + written, start - written, theContext);
     indexBox(box.get(), theContext);
-    written = end;
-    i = end - 1;
+    written = from = end;
   }
   writeResolvedText(text + written, length - written, theContext);
-}
-
-namespace {
-/// +1. theText with one level of string escaping undone: the quotes,
-/// backslashes, line ends and tabs of a text that sits inside a string are
-/// escaped once.
-Zn::MutableString* unescapedOnce(const ZnUnichar* theText, ZnIndex theLength) {
-  auto source = adopt(new Zn::MutableString(theLength));
-  for (ZnIndex i = 0; i < theLength; ++i) {
-    ZnUnichar c = theText[i];
-    if (c == '\\' && i + 1 < theLength) {
-      const ZnUnichar next = theText[i + 1];
-      if (next == '"' || next == '\\' || next == 'n' || next == 't') {
-        c = next == 'n' ? ZnUnichar(10) : next == 't' ? ZnUnichar(9) : next;
-        ++i;
-      }
-    }
-    source->appendCharacter(c);
-  }
-  return source.leak();
-}
-
-/// +1. theText parsed, without reports; null when it does not parse.
-Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape) {
-  auto source = adopt(theUnescape ? unescapedOnce(theText, theLength) : new Zn::String(theText, theLength));
-  auto reader = adopt<Zn::Reader>(new Zn::StringReader(source.get()));
-  auto parser = adopt(new Zn::Kx::ExprParser(reader.get()));
-  parser->setErrorHandler(nullptr);
-  auto result = adopt(parser->parse());
-  if (result && result->isEqual(HeadSymbol(Head::SyntaxError)))
-    return nullptr;
-  return result.leak();
-}
-
-bool isBoxExpression(const Expr* theExpr) {
-  auto head = theExpr && !theExpr->isAtom() ? theExpr->head()->asSymbol() : nullptr;
-  if (!head)
-    return false;
-  const Zn::String* name = head->getName();
-  const ZnIndex length = name->length();
-  return length > 3 && name->characterAtIndex(length - 3) == 'B' && name->characterAtIndex(length - 2) == 'o' &&
-         name->characterAtIndex(length - 1) == 'x';
-}
-} // namespace
-
-Expr* SearchIndexer::parseBoxGroup(const ZnUnichar* theText, ZnIndex theLength) {
-  // A group that does not parse stays as its text, without a report.
-  return parseQuietly(theText, theLength, true);
-}
-
-Expr* SearchIndexer::parseEmbeddedBox(Expr* theText) {
-  Zn::String* text = stringText(theText);
-  if (!text)
-    return nullptr;
-  // The element is escaped once for each string around its group: a group
-  // in a string literal of code, itself held in a string, is two deep.
-  auto source = retained(text);
-  for (int level = 0; level < 3; ++level) {
-    auto box = adopt(parseQuietly(source->getCharactersPtr(), source->length(), false));
-    if (isBoxExpression(box.get()))
-      return box.leak();
-    auto unescaped = adopt(unescapedOnce(source->getCharactersPtr(), source->length()));
-    if (unescaped->length() == source->length())
-      return nullptr;
-    source = std::move(unescaped);
-  }
-  return nullptr;
 }
 
 //===--- Cells ------------------------------------------------------------===//
@@ -1084,7 +774,7 @@ void SearchIndexer::indexRowBox(Expr* theBox, const IndexContext& theContext) {
   if (items->isAtom()) {
     // The "\\*" element of a box group is held as the text of the box it
     // stands for.
-    auto embedded = adopt(parseEmbeddedBox(items));
+    auto embedded = adopt(AtomText::parseEmbeddedBox(items));
     return indexBox(embedded ? embedded.get() : items, theContext);
   }
   Zn::Writer* writer = theContext.writer.get();
@@ -1192,269 +882,6 @@ void SearchIndexer::indexTabViewBox(Expr* theBox, const IndexContext& theContext
 
 //===--- Marking up input code --------------------------------------------===//
 
-// decorateBox marks up the code of "Input" and "Code" cells for a renderer
-// that shows styles. Everything it marks becomes a StyleBox around the part:
-// - a comment, from "(*" to its matching "*)" among the items of one row, or
-//   a string atom that is a whole comment: FontSlant -> "Italic" and
-//   FontColor -> RGBColor[67/255, 137/255, 88/255];
-// - a string literal (an atom written "\"...\""): FontColor -> GrayLevel[0.4];
-// - the local variables of a scoping construct, found as a row whose items
-//   are the construct's name, "[", the arguments and "]": for Module, Block
-//   and With each variable of the brace list of the first argument, where a
-//   variable given a value ("x = v", "x := v") has only its name marked; for
-//   Table, Do, Manipulate and Animate the variable of each iterator list
-//   after the first argument: FontColor -> GrayLevel[0.6].
-// Dynamic content and graphics are left as they are. Parts that nothing
-// changes are shared with the original, not copied.
-
-namespace {
-using Zn::Kx::Function;
-
-struct CodeMarks {
-  Zn::Ref<Expr> text(const char* theText) { return adopt<Expr>(new CharacterString(theText)); }
-  Zn::Ref<Expr> rule(Expr* theName, Expr* theValue) { return adopt<Expr>(Function::createRule(theName, theValue)); }
-
-  // The items that shape code in a row.
-  Zn::Ref<Expr> leftBracket = text("["), rightBracket = text("]"), leftBrace = text("{"),
-                rightBrace = text("}"), equal = text("="), delayedEqual = text(":="), comma = text(","),
-                commentOpen = text("(*"), commentClose = text("*)");
-  // Scoping constructs: the first three name their variables in a list
-  // first, the others in iterators after the first argument.
-  Zn::Ref<Expr> module = text("Module"), block = text("Block"), with = text("With"), table = text("Table"),
-                loop = text("Do"), manipulate = text("Manipulate"), animate = text("Animate");
-  // The style options.
-  Zn::Ref<Expr> fontSlant = adopt<Expr>(new Zn::Kx::Symbol("FontSlant"));
-  Zn::Ref<Expr> fontColor = adopt<Expr>(new Zn::Kx::Symbol("FontColor"));
-  Zn::Ref<Expr> italic = rule(fontSlant.get(), adopt<Expr>(new CharacterString("Italic")).get());
-  Zn::Ref<Expr> commentColor =
-      rule(fontColor.get(), adopt<Expr>(new Function(Vocabulary::RGBColor.get(),
-                                                     adopt(new Zn::Kx::MachineReal(67.0 / 255.0)).get(),
-                                                     adopt(new Zn::Kx::MachineReal(137.0 / 255.0)).get(),
-                                                     adopt(new Zn::Kx::MachineReal(88.0 / 255.0)).get()))
-                                  .get());
-  Zn::Ref<Expr> stringColor = gray(0.4);
-  Zn::Ref<Expr> variableColor = gray(0.6);
-
-  Zn::Ref<Expr> gray(double theLevel) {
-    return rule(fontColor.get(),
-                adopt<Expr>(new Function(Vocabulary::GrayLevel.get(), adopt(new Zn::Kx::MachineReal(theLevel)).get()))
-                    .get());
-  }
-};
-
-const CodeMarks& codeMarks() {
-  static CodeMarks sMarks;
-  return sMarks;
-}
-
-bool isItem(const Expr* theExpr, const Zn::Ref<Expr>& theMark) { return Zn::Equal(theExpr, theMark.get()); }
-
-/// +1. StyleBox[theContent, theOptions...].
-Expr* styled(Expr* theContent, Expr* theOption, Expr* theSecondOption = nullptr) {
-  return new Function(Vocabulary::StyleBox.get(), theContent, theOption, theSecondOption);
-}
-
-/// +1. RowBox[theList] with theRow's further arguments, if any.
-Expr* rowLike(Expr* theRow, Expr* theList) {
-  auto row = adopt(new Zn::Kx::MutableFunction(2, Vocabulary::RowBox.get()));
-  row->appendArgument(theList, true);
-  for (ZnIndex i = 2; i <= theRow->length(); ++i)
-    row->appendArgument(theRow->part(i), true);
-  return static_cast<Expr*>(row->copy());
-}
-
-bool isQuotedText(const Zn::String* theText) {
-  const ZnUnichar* t = theText->getCharactersPtr();
-  const ZnIndex n = theText->length();
-  if (n >= 2 && t[0] == '"' && t[n - 1] == '"')
-    return true;
-  return n >= 4 && t[0] == '\\' && t[1] == '"' && t[n - 2] == '\\' && t[n - 1] == '"';
-}
-
-bool isCommentText(const Zn::String* theText) {
-  const ZnUnichar* t = theText->getCharactersPtr();
-  const ZnIndex n = theText->length();
-  return n >= 4 && t[0] == '(' && t[1] == '*' && t[n - 2] == '*' && t[n - 1] == ')';
-}
-
-/// +1. theBox with every argument from theFirst on replaced by what
-/// theChange (which returns +1) makes of it; theBox itself, retained, when
-/// nothing changed.
-template <class Change> Expr* mapArguments(Expr* theBox, ZnIndex theFirst, Change theChange) {
-  const ZnIndex count = theBox->length();
-  ZnIndex i = theFirst;
-  Zn::Ref<Expr> first;
-  for (; i <= count; ++i) {
-    first = adopt(theChange(theBox->part(i)));
-    if (first.get() != theBox->part(i))
-      break;
-  }
-  if (i > count)
-    return static_cast<Expr*>(theBox->retain());
-  auto copy = adopt(new Zn::Kx::MutableFunction(2, theBox->head()));
-  for (ZnIndex j = 1; j < i; ++j)
-    copy->appendArgument(theBox->part(j), true);
-  copy->appendArgument(first.get(), true);
-  for (ZnIndex j = i + 1; j <= count; ++j)
-    copy->appendArgument(adopt(theChange(theBox->part(j))).get(), true);
-  return static_cast<Expr*>(copy->copy());
-}
-
-class CodeDecorator {
-public:
-  /// +1.
-  Expr* decorate(Expr* theBox);
-
-private:
-  Expr* decorateRow(Expr* theRow);
-  Expr* decorateScope(Expr* theArguments, bool theVariablesFirst);
-  Expr* markVariables(Expr* theList, bool theIterator);
-  Expr* markVariable(Expr* theVariable);
-  const CodeMarks& marks_ = codeMarks();
-};
-
-Expr* CodeDecorator::decorate(Expr* theBox) {
-  using namespace Vocabulary;
-  if (theBox->isAtom()) {
-    Zn::String* text = stringText(theBox);
-    if (text && isCommentText(text))
-      return styled(theBox, marks_.italic.get(), marks_.commentColor.get());
-    if (text && isQuotedText(text))
-      return styled(theBox, marks_.stringColor.get());
-    return static_cast<Expr*>(theBox->retain());
-  }
-  Expr* head = theBox->head();
-  if (Dynamic.matches(head) || DynamicBox.matches(head) || GraphicsBox.matches(head) ||
-      Graphics3DBox.matches(head))
-    return static_cast<Expr*>(theBox->retain());
-  if (RowBox.matches(head) && theBox->length() >= 1 && isList(theBox->part(1)))
-    return decorateRow(theBox);
-  return mapArguments(theBox, 1, [this](Expr* theArgument) { return decorate(theArgument); });
-}
-
-Expr* CodeDecorator::decorateRow(Expr* theRow) {
-  Expr* items = theRow->part(1);
-  const ZnIndex count = items->length();
-  auto result = adopt(new Zn::Kx::MutableFunction(2, HeadSymbol(Head::List)));
-  bool changed = false;
-  for (ZnIndex i = 1; i <= count; ++i) {
-    Expr* item = items->part(i);
-    if (isItem(item, marks_.commentOpen)) {
-      // The comment runs to the "*)" that matches this "(*".
-      ZnIndex end = i + 1;
-      for (int32_t depth = 1; end <= count; ++end) {
-        if (isItem(items->part(end), marks_.commentOpen))
-          ++depth;
-        else if (isItem(items->part(end), marks_.commentClose) && --depth == 0)
-          break;
-      }
-      if (end <= count) {
-        if (i == 1 && end == count)
-          return styled(theRow, marks_.italic.get(), marks_.commentColor.get());
-        auto run = adopt(new Zn::Kx::MutableFunction(2, HeadSymbol(Head::List)));
-        for (ZnIndex j = i; j <= end; ++j)
-          run->appendArgument(items->part(j), true);
-        auto comment = adopt(new Function(Vocabulary::RowBox.get(), static_cast<Expr*>(run.get())));
-        result->appendArgument(styled(comment.get(), marks_.italic.get(), marks_.commentColor.get()), false);
-        changed = true;
-        i = end;
-        continue;
-      }
-    }
-    const bool variablesFirst = isItem(item, marks_.module) || isItem(item, marks_.block) || isItem(item, marks_.with);
-    const bool iterators = isItem(item, marks_.table) || isItem(item, marks_.loop) ||
-                           isItem(item, marks_.manipulate) || isItem(item, marks_.animate);
-    if ((variablesFirst || iterators) && i + 2 <= count && isItem(items->part(i + 1), marks_.leftBracket)) {
-      Expr* arguments = items->part(i + 2);
-      Expr* scoped = decorateScope(arguments, variablesFirst);
-      changed = changed || scoped != arguments;
-      result->appendArgument(item, true);
-      result->appendArgument(items->part(i + 1), true);
-      result->appendArgument(scoped, false);
-      i += 2;
-      continue;
-    }
-    Expr* decorated = decorate(item);
-    changed = changed || decorated != item;
-    result->appendArgument(decorated, false);
-  }
-  if (!changed)
-    return static_cast<Expr*>(theRow->retain());
-  return rowLike(theRow, result.get());
-}
-
-Expr* CodeDecorator::decorateScope(Expr* theArguments, bool theVariablesFirst) {
-  // The arguments are one row of items separated by commas, or a single box.
-  if (!Vocabulary::RowBox.isHeadOf(theArguments) || theArguments->length() < 1 || !isList(theArguments->part(1)))
-    return theVariablesFirst ? markVariables(theArguments, false) : decorate(theArguments);
-  Expr* items = theArguments->part(1);
-  ZnIndex position = 0;
-  auto marked = mapArguments(items, 1, [&](Expr* theItem) {
-    if (isItem(theItem, marks_.comma))
-      return static_cast<Expr*>(theItem->retain());
-    ++position;
-    if (theVariablesFirst && position == 1)
-      return markVariables(theItem, false);
-    if (!theVariablesFirst && position > 1)
-      return markVariables(theItem, true);
-    return decorate(theItem);
-  });
-  auto list = adopt(marked);
-  if (list.get() == items)
-    return static_cast<Expr*>(theArguments->retain());
-  return rowLike(theArguments, list.get());
-}
-
-Expr* CodeDecorator::markVariables(Expr* theList, bool theIterator) {
-  // {x, y = 1} or {i, 1, n}: a row of "{", the contents and "}".
-  if (!Vocabulary::RowBox.isHeadOf(theList) || theList->length() < 1 || !isList(theList->part(1)) ||
-      theList->lengthOfPart(1) != 3 || !isItem(theList->partOfPart(1, 1), marks_.leftBrace) ||
-      !isItem(theList->partOfPart(1, 3), marks_.rightBrace))
-    return decorate(theList);
-  Expr* inner = theList->partOfPart(1, 2);
-  Zn::Ref<Expr> marked;
-  if (Vocabulary::RowBox.isHeadOf(inner) && inner->length() >= 1 && isList(inner->part(1))) {
-    Expr* items = inner->part(1);
-    ZnIndex position = 0;
-    auto list = adopt(mapArguments(items, 1, [&](Expr* theItem) {
-      if (isItem(theItem, marks_.comma))
-        return static_cast<Expr*>(theItem->retain());
-      ++position;
-      // An iterator names its variable first; a variable list names one in
-      // every place.
-      if (!theIterator || position == 1)
-        return markVariable(theItem);
-      return decorate(theItem);
-    }));
-    marked = list.get() == items ? retained(inner) : adopt(rowLike(inner, list.get()));
-  } else {
-    marked = adopt(markVariable(inner));
-  }
-  if (marked.get() == inner)
-    return static_cast<Expr*>(theList->retain());
-  auto braces = adopt(new Function(HeadSymbol(Head::List), theList->partOfPart(1, 1), marked.get(),
-                                   theList->partOfPart(1, 3)));
-  return rowLike(theList, braces.get());
-}
-
-Expr* CodeDecorator::markVariable(Expr* theVariable) {
-  if (stringText(theVariable) && !isQuotedText(stringText(theVariable)))
-    return styled(theVariable, marks_.variableColor.get());
-  // x = v or x := v: the name is the variable, the value is code.
-  if (Vocabulary::RowBox.isHeadOf(theVariable) && theVariable->length() >= 1 && isList(theVariable->part(1)) &&
-      theVariable->lengthOfPart(1) == 3 &&
-      (isItem(theVariable->partOfPart(1, 2), marks_.equal) ||
-       isItem(theVariable->partOfPart(1, 2), marks_.delayedEqual))) {
-    Expr* items = theVariable->part(1);
-    auto name = adopt(markVariable(items->part(1)));
-    auto value = adopt(decorate(items->part(3)));
-    auto list = adopt(new Function(HeadSymbol(Head::List), name.get(), items->part(2), value.get()));
-    return rowLike(theVariable, list.get());
-  }
-  return decorate(theVariable);
-}
-} // namespace
-
 bool SearchIndexer::isCodeCell(Expr* theBox) {
   using namespace Vocabulary;
   return Cell.isHeadOf(theBox) && theBox->length() >= 2 &&
@@ -1462,14 +889,9 @@ bool SearchIndexer::isCodeCell(Expr* theBox) {
 }
 
 Expr* SearchIndexer::decorateBox(Expr* theBox, bool theIsCode) {
-  CodeDecorator decorator;
   if (theIsCode)
-    return decorator.decorate(theBox);
+    return DecorateCode(theBox);
   if (!isCodeCell(theBox))
     return static_cast<Expr*>(theBox->retain());
-  // Only the contents are code; the style and the options stay.
-  ZnIndex position = 0;
-  return mapArguments(theBox, 1, [&](Expr* theArgument) {
-    return ++position == 1 ? decorator.decorate(theArgument) : static_cast<Expr*>(theArgument->retain());
-  });
+  return DecorateCodeCell(theBox);
 }

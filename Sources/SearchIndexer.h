@@ -153,7 +153,22 @@ protected:
 
 private:
   class Scratch;
-  enum Hook : int32_t;
+  /// The hooks whose empty default the walk need not call.
+  enum Hook : int32_t {
+    kSetTitle,
+    kNoteCellText,
+    kSetNotebookKind,
+    kSetEvaluator,
+    kNoteCellOption,
+    kSetStyleDefinitions,
+    kSetFrontEndVersion,
+    kSetWindowFrame,
+    kSetWindowSize,
+    kWriteActionMenu,
+    kWriteInputField,
+    kWritePopupMenu,
+    kHookCount
+  };
   /// Whether a renderer replaced the empty default of a hook, so that the
   /// walk need not build arguments that nobody reads.
   bool overrides(Hook theHook) const;
@@ -167,18 +182,6 @@ private:
   /// Resolves the escapes of an atom's text and writes the result; a box
   /// group inside the text is walked where it stands.
   void writeAtomText(const ZnUnichar* theText, ZnIndex theLength, const IndexContext& theContext);
-  /// +1. The box that a group found in a string ("\(...\)" or
-  /// "\!\(...\)") stands for; null when it does not parse.
-  static Zn::Kx::Expr* parseBoxGroup(const ZnUnichar* theText, ZnIndex theLength);
-  /// +1. The box whose text a string atom holds (such as "FormBox[...]");
-  /// null for any other text.
-  static Zn::Kx::Expr* parseEmbeddedBox(Zn::Kx::Expr* theText);
-  /// Appends what the escape at theIndex (a backslash with a character after
-  /// it) stands for; returns the index after it.
-  static ZnIndex resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex,
-                               Zn::MutableString* theResult);
-  /// One level of escapes resolved; box groups are kept as written.
-  static void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult);
   void writeGraphicsLabel(Zn::Kx::Expr* theLabel, const IndexContext& theContext);
   /// +1. The URL when theBox is a hyperlink button, else null.
   Zn::String* copyHyperlinkURL(Zn::Kx::Expr* theBox);

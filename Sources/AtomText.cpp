@@ -1,0 +1,239 @@
+//===- AtomText.cpp - What the text of an atom says to a reader -----------===//
+#include "AtomText.h"
+#include "IndexerVocabulary.h"
+#include "Kx/KxEncoding.h"
+#include "Kx/KxExprParser.h"
+#include "Kx/KxString.h"
+#include "Zn/Base/ZnString.h"
+#include "Zn/IO/ZnReader.h"
+
+using Zn::adopt;
+using Zn::retained;
+using Zn::Kx::Expr;
+using Zn::Kx::Head;
+using Zn::Kx::HeadSymbol;
+
+namespace {
+
+int hexValue(ZnUnichar theCharacter) {
+  if (theCharacter >= '0' && theCharacter <= '9')
+    return theCharacter - '0';
+  if (theCharacter >= 'a' && theCharacter <= 'f')
+    return theCharacter - 'a' + 10;
+  if (theCharacter >= 'A' && theCharacter <= 'F')
+    return theCharacter - 'A' + 10;
+  return -1;
+}
+
+/// The value of theDigits hexadecimal digits at theText, or -1.
+int32_t hexNumber(const ZnUnichar* theText, ZnIndex theDigits) {
+  int32_t value = 0;
+  for (ZnIndex i = 0; i < theDigits; ++i) {
+    int digit = hexValue(theText[i]);
+    if (digit < 0)
+      return -1;
+    value = value * 16 + digit;
+  }
+  return value;
+}
+
+/// Whether a box group ("\\(" or "\\!\\(") opens at theIndex, a backslash.
+bool opensBoxGroup(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex) {
+  if (theIndex + 1 < theLength && theText[theIndex + 1] == '(')
+    return true;
+  return theIndex + 3 < theLength && theText[theIndex + 1] == '!' && theText[theIndex + 2] == '\\' &&
+         theText[theIndex + 3] == '(';
+}
+
+/// Where the box group that opens at theStart ends: the index just after
+/// its closing "\\)", or -1 when it never closes.
+ZnIndex boxGroupEnd(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theStart) {
+  ZnIndex i = theStart + (theText[theStart + 1] == '!' ? 4 : 2);
+  int32_t depth = 1;
+  while (i + 1 < theLength) {
+    if (theText[i] != '\\') {
+      ++i;
+      continue;
+    }
+    if (theText[i + 1] == '(')
+      ++depth;
+    else if (theText[i + 1] == ')' && --depth == 0)
+      return i + 2;
+    i += 2;
+  }
+  return -1;
+}
+
+/// +1. theText with one level of string escaping undone: the quotes,
+/// backslashes, line ends and tabs of a text that sits inside a string are
+/// escaped once.
+Zn::MutableString* unescapedOnce(const ZnUnichar* theText, ZnIndex theLength) {
+  auto source = adopt(new Zn::MutableString(theLength));
+  for (ZnIndex i = 0; i < theLength; ++i) {
+    ZnUnichar c = theText[i];
+    if (c == '\\' && i + 1 < theLength) {
+      const ZnUnichar next = theText[i + 1];
+      if (next == '"' || next == '\\' || next == 'n' || next == 't') {
+        c = next == 'n' ? ZnUnichar(10) : next == 't' ? ZnUnichar(9) : next;
+        ++i;
+      }
+    }
+    source->appendCharacter(c);
+  }
+  return source.leak();
+}
+
+/// +1. theText parsed, without reports; null when it does not parse.
+Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape) {
+  auto source = adopt(theUnescape ? unescapedOnce(theText, theLength) : new Zn::String(theText, theLength));
+  auto reader = adopt<Zn::Reader>(new Zn::StringReader(source.get()));
+  auto parser = adopt(new Zn::Kx::ExprParser(reader.get()));
+  parser->setErrorHandler(nullptr);
+  auto result = adopt(parser->parse());
+  if (result && result->isEqual(HeadSymbol(Head::SyntaxError)))
+    return nullptr;
+  return result.leak();
+}
+
+bool isBoxExpression(const Expr* theExpr) {
+  auto head = theExpr && !theExpr->isAtom() ? theExpr->head()->asSymbol() : nullptr;
+  if (!head)
+    return false;
+  const Zn::String* name = head->getName();
+  const ZnIndex length = name->length();
+  return length > 3 && name->characterAtIndex(length - 3) == 'B' && name->characterAtIndex(length - 2) == 'o' &&
+         name->characterAtIndex(length - 1) == 'x';
+}
+} // namespace
+
+namespace AtomText {
+
+//===--- Escapes ----------------------------------------------------------===//
+
+ZnIndex resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex, Zn::MutableString* theResult) {
+  // theText[theIndex] is a backslash with at least one character after it.
+  const ZnUnichar next = theText[theIndex + 1];
+  switch (next) {
+  case '"':
+  case '\\': theResult->appendCharacter(next); return theIndex + 2;
+  case 'n':
+  case 'r': theResult->appendCharacter(10); return theIndex + 2;
+  case 't': theResult->appendCharacter(9); return theIndex + 2;
+  // String markers and line continuations show nothing.
+  case '<':
+  case '>':
+  case 10: return theIndex + 2;
+  case 13: return theIndex + 2 < theLength && theText[theIndex + 2] == 10 ? theIndex + 3 : theIndex + 2;
+  case '[': {
+    ZnIndex close = theIndex + 2;
+    while (close < theLength && theText[close] != ']' && theText[close] != '\\' && theText[close] != '"')
+      ++close;
+    ZnUnichar code = 0;
+    if (close < theLength && theText[close] == ']' &&
+        Zn::Kx::Encoding::lookupNamedCharacter(theText + theIndex + 2, close - theIndex - 2, &code)) {
+      theResult->appendCharacter(code);
+      return close + 1;
+    }
+    break;
+  }
+  case '.':
+    if (theIndex + 4 <= theLength) {
+      int32_t code = hexNumber(theText + theIndex + 2, 2);
+      if (code >= 0) {
+        theResult->appendCharacter(ZnUnichar(code));
+        return theIndex + 4;
+      }
+    }
+    break;
+  case ':':
+    if (theIndex + 6 <= theLength) {
+      int32_t code = hexNumber(theText + theIndex + 2, 4);
+      if (code >= 0) {
+        theResult->appendCharacter(ZnUnichar(code));
+        return theIndex + 6;
+      }
+    }
+    break;
+  default: break;
+  }
+  // Not an escape: the backslash is text like any other character.
+  theResult->appendCharacter('\\');
+  return theIndex + 1;
+}
+
+void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult) {
+  ZnIndex i = 0;
+  while (i < theLength) {
+    if (theText[i] != '\\' || i + 1 >= theLength) {
+      // Text up to the next backslash is copied as it is.
+      ZnIndex end = i + 1;
+      while (end < theLength && theText[end] != '\\')
+        ++end;
+      theResult->appendCharacters(theText + i, end - i);
+      i = end;
+      continue;
+    }
+    // A box group is kept as written, for writeAtomText to parse.
+    ZnIndex end = opensBoxGroup(theText, theLength, i) ? boxGroupEnd(theText, theLength, i) : -1;
+    if (end > 0) {
+      theResult->appendCharacters(theText + i, end - i);
+      i = end;
+      continue;
+    }
+    i = resolveEscape(theText, theLength, i, theResult);
+  }
+}
+
+bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength) {
+  if (theLength < 2 || theText[0] != '"' || theText[theLength - 1] != '"')
+    return false;
+  for (ZnIndex i = 1; i < theLength - 1; ++i) {
+    if (theText[i] == '\\')
+      ++i;
+    else if (theText[i] == '"')
+      return false;
+  }
+  return true;
+}
+
+//===--- Box groups -------------------------------------------------------===//
+
+bool findBoxGroup(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theFrom, ZnIndex* theStart, ZnIndex* theEnd) {
+  for (ZnIndex i = theFrom; i + 1 < theLength; ++i) {
+    if (theText[i] != '\\' || !opensBoxGroup(theText, theLength, i))
+      continue;
+    ZnIndex end = boxGroupEnd(theText, theLength, i);
+    if (end < 0)
+      return false;
+    *theStart = i;
+    *theEnd = end;
+    return true;
+  }
+  return false;
+}
+
+Expr* parseBoxGroup(const ZnUnichar* theText, ZnIndex theLength) {
+  // A group that does not parse stays as its text, without a report.
+  return parseQuietly(theText, theLength, true);
+}
+
+Expr* parseEmbeddedBox(Expr* theText) {
+  Zn::String* text = stringText(theText);
+  if (!text)
+    return nullptr;
+  // The element is escaped once for each string around its group: a group
+  // in a string literal of code, itself held in a string, is two deep.
+  auto source = retained(text);
+  for (int level = 0; level < 3; ++level) {
+    auto box = adopt(parseQuietly(source->getCharactersPtr(), source->length(), false));
+    if (isBoxExpression(box.get()))
+      return box.leak();
+    auto unescaped = adopt(unescapedOnce(source->getCharactersPtr(), source->length()));
+    if (unescaped->length() == source->length())
+      return nullptr;
+    source = std::move(unescaped);
+  }
+  return nullptr;
+}
+
+} // namespace AtomText

@@ -1,0 +1,44 @@
+//===- AtomText.h - What the text of an atom says to a reader -------------===//
+#pragma once
+#include "Zn/Base/ZnTypes.h"
+
+namespace Zn {
+class MutableString;
+namespace Kx {
+class Expr;
+} // namespace Kx
+} // namespace Zn
+
+/// The text of string and symbol atoms as a reader sees it. A string of a
+/// notebook keeps the notation's escapes ("\\n", "\\\"", "\\[Name]", "\\.xx",
+/// "\\:xxxx", the string markers "\\<" and "\\>") and may hold box groups
+/// ("\\(...\\)" or "\\!\\(...\\)") that stand for typeset boxes; these
+/// functions resolve the one and find and parse the other. None of them
+/// writes anything.
+namespace AtomText {
+
+/// Appends what the escape at theIndex (a backslash with a character after
+/// it) stands for to theResult; returns the index after it. A backslash
+/// that starts no escape is appended as text.
+ZnIndex resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex, Zn::MutableString* theResult);
+/// Appends theText with one level of escapes resolved; box groups are kept
+/// as written.
+void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult);
+
+/// Whether theText is one quoted string literal: quotes first and last, and
+/// none between them that a backslash does not escape ("a" is one, "a" <> "b"
+/// is not).
+bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength);
+
+/// Finds the first box group that opens at or after theFrom: its first
+/// index (the backslash) and the index just after its closing "\\)". False
+/// when none opens there, or when the first one never closes.
+bool findBoxGroup(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theFrom, ZnIndex* theStart, ZnIndex* theEnd);
+/// +1. The box that a group found in a string stands for; null when it does
+/// not parse (the group then stays text, without a report).
+Zn::Kx::Expr* parseBoxGroup(const ZnUnichar* theText, ZnIndex theLength);
+/// +1. The box whose text a string atom holds (such as "FormBox[...]",
+/// the "\\*" element of a box group); null for any other text.
+Zn::Kx::Expr* parseEmbeddedBox(Zn::Kx::Expr* theText);
+
+} // namespace AtomText
