@@ -785,16 +785,12 @@ bool Lexer::scanQuoted(MutableString* theText, bool theParseGroups) {
       return false;
     if (c == '"')
       return true;
-    if (c == '\n') {
-      // The lines of a long string are joined.
+    if (c == '\n' || c == '\r') {
+      // A line end inside a string is a line break of its text, kept as one
+      // line feed whether the file ends its lines with LF or CR LF; only a
+      // backslash before it joins the lines (below).
       ++tokenBreaks_;
-      continue;
-    }
-    if (c == '\r') {
-      ++tokenBreaks_;
-      if (skip('\n'))
-        continue;
-      theText->appendCharacter(c);
+      theText->appendCharacter(c == '\r' && !skip('\n') ? c : ZnUnichar('\n'));
       continue;
     }
     if (c != '\\') {

@@ -63,6 +63,17 @@ Run ConvertNotebook(const std::string& theNotebook, const std::vector<std::strin
   return RunNbtext(arguments);
 }
 
+std::string HtmlPage(const std::string& theBody) {
+  return "<html>\n<head>\n"
+         "<style type=\"text/css\">\n"
+         "body { font-family: Times, serif; font-size: 12px; }\n"
+         "div { padding: 4px; }\n"
+         "form { display: inline; }\n"
+         "table { display: inline; }\n"
+         "\n</style>\n</head>\n<body>\n<form action=\"javascript:null\">\n" +
+         theBody + "\n</form>\n</body>\n</html>\n";
+}
+
 std::string WithoutTimeStamps(const std::string& theLog) {
   // "YYYY-MM-DD hh:mm:ss: " is 21 characters at the start of every line.
   std::string out;

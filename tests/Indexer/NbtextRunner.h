@@ -39,6 +39,10 @@ Run RunNbtext(const std::vector<std::string>& theArguments, const std::string& t
 /// Converts one notebook given as text, with the options before it.
 Run ConvertNotebook(const std::string& theNotebook, const std::vector<std::string>& theOptions = {});
 
+/// The page that nbtext -html writes for a notebook whose cells wrote
+/// theBody: the fixed head, theBody, the fixed tail.
+std::string HtmlPage(const std::string& theBody);
+
 /// The part of a log line after its time stamp "YYYY-MM-DD hh:mm:ss: ".
 std::string WithoutTimeStamps(const std::string& theLog);
 } // namespace NbtextTest

