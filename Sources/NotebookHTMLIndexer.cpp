@@ -163,10 +163,11 @@ void NotebookHTMLIndexer::writeMarkupFormat(Zn::Writer* theWriter, const char* t
 
 void NotebookHTMLIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
   // Comments, strings and local variables of input code come back as style
-  // boxes, which become coloured spans. Code is marked up with everything
-  // inside it, cells included: an input cell inside one is not done again,
-  // which for cells nested in cells would take time by the square of the depth.
-  if (inDecoratedCode_ || !isCodeCell(theBox)) {
+  // boxes, which become coloured spans. Only cells of the notebook are
+  // marked up (an inline cell is part of its cell's text), and code is marked
+  // up with everything inside it: a cell inside it is not done again, which
+  // for cells nested in cells would take time by the square of the depth.
+  if (inDecoratedCode_ || !theContext.inCellList || !isCodeCell(theBox)) {
     NotebookTextIndexer::indexBox(theBox, theContext);
     return;
   }

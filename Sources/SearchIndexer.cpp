@@ -57,6 +57,8 @@ Expr* optionValue(Expr* theBox, ZnIndex theFirst, Vocabulary::Constant& theName)
 
 /// The graphics options say None for a label that is not there.
 const Vocabulary::Word sNone("None");
+/// A code style besides Input and Code.
+const Vocabulary::Word sInputOnly("InputOnly");
 
 } // namespace
 
@@ -142,7 +144,7 @@ bool SearchIndexer::indexStream(Zn::Stream* theStream) {
   if (notebook->length() >= 1) {
     IndexContext context;
     context.writer = writer_;
-    indexBox(notebook->part(1), context);
+    indexCellList(notebook->part(1), context);
   }
   endDocument(notebook.get());
   return true;
@@ -285,9 +287,15 @@ void SearchIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
     return indexTextContainer(theBox, *context);
   if (isAnyOf(kProduceNothing, head, hash))
     return;
+  if (is(CellGroupData) && !context->insideCell) {
+    // The group's second argument is its open or closed state.
+    if (theBox->length() >= 1)
+      indexCellList(theBox->part(1), *context);
+    return;
+  }
   if (is(CellGroupData) || isAnyOf(kShowFirstArgument, head, hash)) {
-    // A cell group's second argument is its open or closed state; the
-    // wrappers keep their interpretation, tag or options there.
+    // The wrappers keep their interpretation, tag or options after the
+    // first argument.
     if (theBox->length() >= 1)
       indexBox(theBox->part(1), *context);
     return;
@@ -421,21 +429,43 @@ void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, c
 
 //===--- Cells ------------------------------------------------------------===//
 
+void SearchIndexer::indexCellList(Expr* theCells, const IndexContext& theContext) {
+  IndexContext cells = theContext;
+  cells.inCellList = true;
+  if (!isList(theCells))
+    return indexBox(theCells, Vocabulary::Cell.isHeadOf(theCells) ? cells : theContext);
+  for (ZnIndex i = 1; i <= theCells->length(); ++i) {
+    Expr* element = theCells->part(i);
+    indexBox(element, Vocabulary::Cell.isHeadOf(element) ? cells : theContext);
+  }
+}
+
 void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
   using namespace Vocabulary;
-  // Only a cell without a second argument counts as unstyled; whatever
-  // stands second (even an option, as in formulas set inline in text) is
-  // taken as the style, and the cell ends with the separator.
-  if (theCell->length() < 2) {
+  // A cell inside another cell's contents is part of that cell's text: only
+  // its contents show, where it stands.
+  if (!theContext.inCellList) {
     if (theCell->length() >= 1)
       indexBox(theCell->part(1), theContext);
     return;
   }
-  Expr* contents = theCell->part(1);
   IndexContext context = theContext;
+  context.inCellList = false;
+  Expr* contents = theCell->length() >= 1 ? theCell->part(1) : nullptr;
+  // A cell group's cells are cells of the notebook in their turn.
+  context.insideCell = !CellGroupData.isHeadOf(contents);
+  if (theCell->length() < 2) {
+    if (contents)
+      indexBox(contents, context);
+    return;
+  }
   context.cell = retained(theCell);
-  context.cellStyle = adopt(theCell->stringValueOfPart(2));
+  // Whatever stands second and is not a string (an option, say) leaves the
+  // cell without a style name; it is a cell of the notebook all the same.
+  Zn::String* styleName = stringText(theCell->part(2));
+  context.cellStyle = styleName ? retained(styleName) : adopt(new Zn::String());
   Zn::String* style = context.cellStyle.get();
+  context.codeStyle = Input.isNameOf(style) || Code.isNameOf(style) || sInputOnly.isNameOf(style);
 
   // Every style counts its own cells, which is what CounterBox shows.
   auto counter = dynamic_cast<Expr*>(namedCounters_->objectForKey(style));

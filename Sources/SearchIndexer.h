@@ -28,6 +28,17 @@ struct IndexContext {
   /// The cell being walked, and its style name; empty outside any cell.
   Zn::Ref<Zn::Kx::Expr> cell;
   Zn::Ref<Zn::String> cellStyle;
+  /// Set for the elements of a cell list (the notebook's, or a cell
+  /// group's): a Cell met there is a cell of the notebook. A Cell met
+  /// anywhere else is an inline cell, part of the text around it.
+  bool inCellList = false;
+  /// Set inside the contents of a cell of the notebook.
+  bool insideCell = false;
+  /// Set inside a cell whose style is a code style ("Input", "InputOnly",
+  /// "Code").
+  bool codeStyle = false;
+  /// Set inside BoxData.
+  bool insideBoxData = false;
   /// Cleared inside BoxData and TextData.
   bool textMode = true;
   /// While false, a string atom written "\"...\"" loses its quotes.
@@ -177,6 +188,9 @@ private:
   __attribute__((noinline)) void indexWithoutQuotes(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   __attribute__((noinline)) void indexTextContainer(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   void readNotebookOptions(Zn::Kx::Expr* theNotebook);
+  /// Walks a cell list: theCells (a list, or one element), each element
+  /// that is a Cell as a cell of the notebook.
+  void indexCellList(Zn::Kx::Expr* theCells, const IndexContext& theContext);
   void readCellOptions(Zn::Kx::Expr* theCell);
   void noteDynamicModuleVariable(Zn::Kx::Expr* theVariable, IndexContext& theContext);
   /// Resolves the escapes of an atom's text and writes the result; a box

@@ -26,8 +26,6 @@ const Golden kGoldens[] = {
      "plain bold end\n\n"},
     // The style entry itself writes nothing; its cell still ends with the separator.
     {"StyleDataProducesNothing", R"nb(Cell[StyleData["Text"], FontSize->12], Cell["x", "Text"])nb", "\n\nx\n\n"},
-    {"InlineCellWithOptionOnly", R"nb(Cell[TextData[{"a ", Cell[BoxData["b"], FormatType->StandardForm], " c"}], "Text"])nb",
-     "a b\n\n c\n\n"},
     // Rows: operators, commas, brackets.
     {"SpacesAroundBinaryOperators", R"nb(Cell[BoxData[RowBox[{"a", "+", "b", "*", "c"}]], "Input"])nb",
      "a + b * c\n\n"},

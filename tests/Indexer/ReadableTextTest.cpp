@@ -27,6 +27,21 @@ const Golden kGoldens[] = {
     {"LineBreakInCodeIsIndented", "Cell[BoxData[RowBox[{\"f\", \"[\", \"\\\"\\<x\ny\\>\\\"\", \",\", \"z\", \"]\"}]], \"Input\"]",
      "f[\"x\n\ty\", z]\n\n",
      "\n<div class=\"Input\">f[<span style=\"color: #666666;\">&quot;x<br/>\n&#160;&#160;&#160;&#160;y&quot;</span>, z]</div>"},
+    // A cell inside another cell's text is part of that text: no separator,
+    // no div, no style, no count of its own.
+    {"InlineCellsStayInTheirSentence",
+     R"nb(Cell[TextData[{"Use ", Cell[BoxData["f"], "InlineFormula", ExpressionUUID -> "37f5"], " and ", Cell["g"], "."}], "Text"])nb",
+     "Use f and g.\n\n", "\n<div class=\"Text\">Use f and g.</div>"},
+    {"InlineCellWithAnOptionOnly", R"nb(Cell[TextData[{"a ", Cell[BoxData["b"], FormatType->StandardForm], " c"}], "Text"])nb",
+     "a b c\n\n", "\n<div class=\"Text\">a b c</div>"},
+    {"InlineInputCellIsNotMarkedUp",
+     R"nb(Cell[TextData[{"Type ", Cell[BoxData[RowBox[{"f", "[", "x", "]", "(*", "c", "*)"}]], "Input"]}], "Text"])nb",
+     "Type f[x](*c*)\n\n", "\n<div class=\"Text\">Type f[x](*c*)</div>"},
+    {"InlineCellsAreNotCounted",
+     R"nb(Cell[TextData[{CounterBox["Section"], ". ", Cell["in", "Section"]}], "Section"], Cell[TextData[{CounterBox["Section"], "."}], "Section"])nb",
+     "1. in\n\n2.\n\n", "\n<div class=\"Section\">1. in</div>\n<div class=\"Section\">2.</div>"},
+    {"CellWithoutAStyleNameIsStillACell", R"nb(Cell["x", CellTags -> "t"], Cell["y", "Text"])nb", "x\n\ny\n\n",
+     "\n<div class=\"\">x</div>\n<div class=\"Text\">y</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};

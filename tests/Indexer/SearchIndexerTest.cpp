@@ -67,15 +67,17 @@ TEST_F(SearchIndexerTest, CallsTheHooksARendererOverrides) {
   auto indexer = adopt(new RecordingIndexer(output.get()));
   ASSERT_TRUE(Index(indexer.get(), R"nb(Notebook[{
       Cell["Report", "Title"],
-      Cell["body", "Text", CellTags->"intro", Author->Automatic, Evaluator->"Local"],
+      Cell[TextData[{"body ", Cell[BoxData["inline"], "Title"]}], "Text", CellTags->"intro", Author->Automatic,
+        Evaluator->"Local"],
       Cell[StyleData["Text"], FontSize->12]},
     WindowSize->{640, 480}, WindowTitle->"Window", WindowClickSelect->False,
     StyleDefinitions->"Default.nb", Evaluator->"Remote"])nb"));
   const std::vector<std::string> expected = {
       "size 640x480", "title Window", "kind Palette", "styles \"Default.nb\"", "evaluator Remote",
       "cell Title",   "title Report", "cell Text",    "option intro",      "evaluator Local",
-      // Whatever stands second in a cell is its style, even an option.
-      "cell FontSize -> 12"};
+      // A cell inside another's text is no cell of its own; a cell whose
+      // second argument is no string has no style name.
+      "cell "};
   EXPECT_EQ(indexer->calls, expected);
   EXPECT_EQ(indexer->getStyleDataCount(), 1);
 
