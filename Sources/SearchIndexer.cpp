@@ -183,6 +183,24 @@ void SearchIndexer::walkArguments(Expr* theBox, ZnIndex theFirst, const IndexCon
     indexBox(theBox->part(i), theContext);
 }
 
+void SearchIndexer::walkPieces(Expr* theBox, ZnIndex theFirst, Zn::Writer::Separator theSeparator,
+                               const IndexContext& theContext) {
+  Zn::Writer* writer = theContext.writer.get();
+  bool wrote = false;
+  for (ZnIndex i = theFirst; i <= theBox->length(); ++i) {
+    // The separator goes out only if this piece writes something after it.
+    if (wrote)
+      writer->requestSeparator(theSeparator);
+    const uint32_t before = writer->getPutCount();
+    indexBox(theBox->part(i), theContext);
+    wrote = wrote || writer->getPutCount() != before;
+  }
+  // One asked for after the last piece that wrote is no longer wanted; one
+  // asked for before these pieces stays until something is written.
+  if (wrote)
+    writer->cancelSeparator();
+}
+
 namespace {
 using namespace Vocabulary;
 // The groups of heads that the dispatcher treats alike. Tables rather than
@@ -309,7 +327,10 @@ void SearchIndexer::indexBox(Expr* theBox, const IndexContext& theContext) {
       indexBox(theBox->part(2), *context);
     return;
   }
-  walkArguments(theBox, 1, *context);
+  // A setting is not content: the general walk writes nothing of a rule.
+  if (isHead(theBox, Head::Rule) || isHead(theBox, Head::RuleDelayed))
+    return;
+  walkPieces(theBox, 1, Zn::Writer::kSpaceSeparator, *context);
 }
 
 void SearchIndexer::indexWithoutQuotes(Expr* theBox, const IndexContext& theContext) {
@@ -321,7 +342,19 @@ void SearchIndexer::indexWithoutQuotes(Expr* theBox, const IndexContext& theCont
 void SearchIndexer::indexTextContainer(Expr* theBox, const IndexContext& theContext) {
   IndexContext context = theContext;
   context.textMode = false;
-  walkArguments(theBox, 1, context);
+  const bool boxes = Vocabulary::BoxData.isHeadOf(theBox);
+  context.insideBoxData = context.insideBoxData || boxes;
+  for (ZnIndex i = 1; i <= theBox->length(); ++i) {
+    Expr* contents = theBox->part(i);
+    if (!isList(contents))
+      indexBox(contents, context);
+    else if (boxes)
+      // The expressions of a cell, each on its own line.
+      walkPieces(contents, 1, Zn::Writer::kLineSeparator, context);
+    else
+      // The runs of one text, written together.
+      walkArguments(contents, 1, context);
+  }
 }
 
 // A menu's labels are rendered into strings, and a label may hold another
@@ -640,7 +673,7 @@ void SearchIndexer::indexCounterBox(Expr* theBox, const IndexContext& theContext
     return;
   auto name = adopt(theBox->stringValueOfPart(1));
   if (Zn::Object* value = namedCounters_->objectForKey(name.get()))
-    value->writeDescription(theContext.writer.get());
+    theContext.writer->putString(adopt(value->description()).get());
   else
     theContext.writer->putCharacter('0');
 }

@@ -2,6 +2,7 @@
 #pragma once
 #include "Zn/Base/ZnObject.h"
 #include "Zn/Base/ZnRef.h"
+#include "Zn/IO/ZnWriter.h"
 
 namespace Zn {
 class Array;
@@ -10,7 +11,6 @@ class MutableDictionary;
 class MutableString;
 class Stream;
 class String;
-class Writer;
 namespace Kx {
 class Encoding;
 class Expr;
@@ -154,6 +154,11 @@ protected:
 
   /// Calls indexBox on every argument from theFirst to the last.
   void walkArguments(Zn::Kx::Expr* theBox, ZnIndex theFirst, const IndexContext& theContext);
+  /// The same for arguments that are separate pieces of text: theSeparator
+  /// keeps apart two pieces that both write something, so that no word of
+  /// one runs into the next.
+  void walkPieces(Zn::Kx::Expr* theBox, ZnIndex theFirst, Zn::Writer::Separator theSeparator,
+                  const IndexContext& theContext);
   /// Writes text that is already resolved, through the character encoding.
   void writeResolvedText(const ZnUnichar* theCharacters, ZnIndex theLength, const IndexContext& theContext);
 

@@ -42,6 +42,24 @@ const Golden kGoldens[] = {
      "1. in\n\n2.\n\n", "\n<div class=\"Section\">1. in</div>\n<div class=\"Section\">2.</div>"},
     {"CellWithoutAStyleNameIsStillACell", R"nb(Cell["x", CellTags -> "t"], Cell["y", "Text"])nb", "x\n\ny\n\n",
      "\n<div class=\"\">x</div>\n<div class=\"Text\">y</div>"},
+    // The expressions of a cell go on lines of their own; pieces of other
+    // boxes are kept apart by a space; settings write nothing.
+    {"ExpressionsOfACellEachOnTheirLine",
+     R"nb(Cell[BoxData[{RowBox[{"a", "=", "1"}], RowBox[{"b", "=", "2"}]}], "Input"], Cell[BoxData[{RowBox[{"c", ";"}], "\n", RowBox[{"d", ";"}], "\[IndentingNewLine]", "e"}], "Input"])nb",
+     "a = 1\nb = 2\n\nc;\nd;\ne\n\n",
+     "\n<div class=\"Input\">a = 1<br/>\nb = 2</div>\n<div class=\"Input\">c;<br/>\nd;<br/>\ne</div>"},
+    {"TooltipAndTemplateArgumentsAreSeparateWords",
+     R"nb(Cell[BoxData[RowBox[{TooltipBox["shown", "tip", TooltipStyle -> "TextStyling"], "+", TemplateBox[{"With", "doc:ref/With"}, "RefLink", BaseStyle -> "Documentation"]}]], "Output"])nb",
+     "shown tip + With doc:ref/With\n\n", "\n<div class=\"Output\">shown tip + With doc:ref/With</div>"},
+    {"SettingsWriteNothingInTheGeneralWalk",
+     R"nb(Cell[BoxData[LabelBox["image.", LabelStyle -> {FontFamily -> "Verdana", FontSize -> 10}, "end", x :> y]], "Output"])nb",
+     "image. end\n\n", "\n<div class=\"Output\">image. end</div>"},
+    {"OnlyPiecesThatWriteAreSeparated",
+     R"nb(Cell[BoxData[RowBox[{LabelBox[{}, "a", {Null, "b"}, Null], "+", LabelBox["c", "\n", "d"]}]], "Output"])nb",
+     "a b + c\nd\n\n", "\n<div class=\"Output\">a b + c<br/>\nd</div>"},
+    {"SpaceBeforeMarkupIsText",
+     R"nb(Cell[BoxData[LabelBox["a", StyleBox["b", FontWeight -> "Bold"]]], "Output"])nb", "a b\n\n",
+     "\n<div class=\"Output\">a <span style=\"font-weight:bold;\">b</span></div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};

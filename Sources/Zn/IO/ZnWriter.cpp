@@ -55,7 +55,22 @@ bool Writer::writeFormat(const char* theFormat, ...) {
   return ok;
 }
 
+bool Writer::flushSeparator(bool theBreakFollows) {
+  const Separator separator = separator_;
+  separator_ = kNoSeparator;
+  if (separator == kNoSeparator || theBreakFollows || atLineStart_)
+    return true;
+  if (separator == kLineSeparator)
+    return putLineBreak(10);
+  if (!writeCharacter(' '))
+    return false;
+  lastCharacter_ = ' ';
+  atLineStart_ = false;
+  return true;
+}
+
 bool Writer::putLineBreak(ZnUnichar theCharacter) {
+  atLineStart_ = true;
   if (lineEndMode_ != kLineEndAsWritten) {
     // The LF of a CR LF pair whose CR was already translated.
     if (theCharacter == 10 && lastCharacter_ == 13) {
@@ -85,11 +100,15 @@ bool Writer::putLineBreak(ZnUnichar theCharacter) {
 }
 
 bool Writer::putCharacter(ZnUnichar theCharacter) {
-  if (theCharacter == 13 || theCharacter == 10)
+  const bool lineBreak = theCharacter == 13 || theCharacter == 10;
+  if (!beginPut(lineBreak))
+    return false;
+  if (lineBreak)
     return putLineBreak(theCharacter);
   if (!writeCharacter(theCharacter))
     return false;
   lastCharacter_ = theCharacter;
+  atLineStart_ = false;
   return true;
 }
 
@@ -106,14 +125,20 @@ template <class CharT> bool Writer::putRun(const CharT* theCharacters, int theCo
     ok = writeBytes(theCharacters, theCount);
   else
     ok = writeCharacters(theCharacters, theCount);
-  if (ok)
+  if (ok) {
     lastCharacter_ = theCharacters[theCount - 1];
+    atLineStart_ = false;
+  }
   return ok;
 }
 
 // Runs of ordinary characters go out in one write each; line breaks between
 // them are translated one by one.
 template <class CharT> bool Writer::putText(const CharT* theCharacters, int theCount) {
+  if (theCount <= 0)
+    return true;
+  if (!beginPut(theCharacters[0] == 13 || theCharacters[0] == 10))
+    return false;
   int runStart = 0;
   for (int i = 0; i < theCount; ++i) {
     CharT c = theCharacters[i];
@@ -148,6 +173,8 @@ bool Writer::putNewlines(int theCount) {
   // This call never writes untranslated breaks, and the switch sticks.
   if (lineEndMode_ == kLineEndAsWritten)
     lineEndMode_ = kLineEndLF;
+  if (theCount > 0 && !beginPut(true))
+    return false;
   for (int i = 0; i < theCount; ++i) {
     bool ok;
     switch (lineEndMode_) {
@@ -160,6 +187,7 @@ bool Writer::putNewlines(int theCount) {
       return false;
     // As for putLineBreak: what was put is a line feed, whatever went out.
     lastCharacter_ = 10;
+    atLineStart_ = true;
   }
   return writeIndentation();
 }

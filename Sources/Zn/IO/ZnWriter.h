@@ -40,6 +40,27 @@ public:
   bool putFormat(const char* theFormat, ...);
   bool putFormatV(const char* theFormat, va_list theArgs);
 
+  /// What keeps two pieces of text apart that must not run together.
+  enum Separator : uint8_t { kNoSeparator = 0, kSpaceSeparator = 1, kLineSeparator = 2 };
+  /// Asks for theSeparator before the next character put: a space between
+  /// two words, a line end between two lines. It is not written when the
+  /// text is at the start of a line, or when the next character put is a
+  /// line break, which keeps the pieces apart by itself. A line end wins
+  /// over a space.
+  void requestSeparator(Separator theSeparator) {
+    if (theSeparator > separator_)
+      separator_ = theSeparator;
+  }
+  /// Drops the separator asked for, if it was not written yet.
+  void cancelSeparator() { separator_ = kNoSeparator; }
+  /// Writes the separator asked for now, or drops it when theBreakFollows
+  /// (or when the text is at the start of a line). For a caller about to
+  /// write around the put operations.
+  bool flushSeparator(bool theBreakFollows);
+  /// How many put operations have written something: compared before and
+  /// after a piece of text, it tells whether the piece wrote anything.
+  uint32_t getPutCount() const { return putCount_; }
+
   int getIndentLevel() const { return indentLevel_; }
   int getLineEndMode() const { return lineEndMode_; }
   void setLineEndMode(int theMode) { lineEndMode_ = theMode; }
@@ -54,10 +75,19 @@ protected:
   /// Writes a run without line breaks and remembers its last character.
   template <class CharT> bool putRun(const CharT* theCharacters, int theCount);
   template <class CharT> bool putText(const CharT* theCharacters, int theCount);
+  /// Counts a put that writes something and writes the separator before it.
+  bool beginPut(bool theBreakFollows) {
+    ++putCount_;
+    return separator_ == kNoSeparator || flushSeparator(theBreakFollows);
+  }
 
   int indentLevel_ = 0;
   int lineEndMode_ = kLineEndLF;
   ZnUnichar lastCharacter_ = 0;
+  uint32_t putCount_ = 0;
+  Separator separator_ = kNoSeparator;
+  /// Whether the last character put was a line break (or nothing was put).
+  bool atLineStart_ = true;
 };
 
 /// Appends every character to a mutable string.

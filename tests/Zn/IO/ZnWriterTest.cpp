@@ -57,6 +57,44 @@ TEST_F(WriterTest, PutNewlinesLeavesAsWrittenModeForGood) {
   EXPECT_FALSE(writer->putNewlines(1));
 }
 
+TEST_F(WriterTest, SeparatorGoesOutOnlyBetweenTwoPiecesOfText) {
+  auto writer = adopt(new StringWriter());
+  writer->increaseIndent();
+  // Nothing written yet: the text is at the start of a line.
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->putBytes("a");
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->putCharacter('b');
+  // A line end wins over a space and is translated and indented as any.
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->requestSeparator(Writer::kLineSeparator);
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->putBytes("c");
+  // A line break put next keeps the pieces apart by itself.
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->putBytes("\nd");
+  writer->requestSeparator(Writer::kLineSeparator);
+  writer->putNewlines(1);
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->putBytes("e");
+  // A cancelled one, and one flushed by hand before a write around the puts.
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->cancelSeparator();
+  writer->putBytes("f");
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  EXPECT_TRUE(writer->flushSeparator(false));
+  writer->writeCharacter('g');
+  EXPECT_EQ(ZnTest::Utf8(writer->getString()), "a b\n\tc\n\td\n\tef g");
+
+  // Only puts that write something count.
+  const uint32_t before = writer->getPutCount();
+  writer->putBytes("");
+  writer->putNewlines(0);
+  EXPECT_EQ(writer->getPutCount(), before);
+  writer->putCharacter('x');
+  EXPECT_EQ(writer->getPutCount(), before + 1);
+}
+
 TEST_F(WriterTest, StreamWriterEncodesAndMarksOnlyTheStart) {
   auto data = adopt(new MutableData());
   auto stream = adopt(Data::createWriteStream(data.get()));
