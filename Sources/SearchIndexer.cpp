@@ -344,6 +344,10 @@ void SearchIndexer::indexTextContainer(Expr* theBox, const IndexContext& theCont
   context.textMode = false;
   const bool boxes = Vocabulary::BoxData.isHeadOf(theBox);
   context.insideBoxData = context.insideBoxData || boxes;
+  // Outside code, the boxes show a string as the page does: without its
+  // quotes, its escapes resolved.
+  if (boxes && !context.codeStyle)
+    context.showStringCharacters = false;
   for (ZnIndex i = 1; i <= theBox->length(); ++i) {
     Expr* contents = theBox->part(i);
     if (!isList(contents))
@@ -758,8 +762,9 @@ void SearchIndexer::indexInputFieldBox(Expr* theBox, const IndexContext& theCont
     return;
   IndexContext context = theContext;
   context.indexDynamic = true;
-  if (theBox->length() >= 2 && theBox->part(2)->isEqual(HeadSymbol(Head::String)))
-    context.showStringCharacters = false;
+  // A field for a string shows the string; any other field shows its value
+  // as code, quotes and all.
+  context.showStringCharacters = !(theBox->length() >= 2 && theBox->part(2)->isEqual(HeadSymbol(Head::String)));
   if (!overrides(kWriteInputField))
     return;
   auto value = adopt(stringForBox(theBox->part(1), context));

@@ -58,7 +58,7 @@ const Golden kGoldens[] = {
     {"QuotesOnlyWhereStringCharactersShow",
      R"nb(Cell[BoxData[RowBox[{StyleBox["\"q\"", ShowStringCharacters->False], StyleBox["\"r\"", ShowStringCharacters->True], CheckboxBox[True], "\"s\""}]], "Output"])nb",
      "\n<div class=\"Output\"><span style=\"\">q</span><span style=\"\">&quot;r&quot;</span>"
-     "<input type=\"checkbox\" checked=\"1\"/>&quot;s&quot;</div>"},
+     "<input type=\"checkbox\" checked=\"1\"/>s</div>"},
     // Graphics.
     {"GraphicsPlaceholderHasADefaultSize",
      R"nb(Cell[BoxData[GraphicsBox[{LineBox[{{0, 0}, {1, 1}}]}, PlotLabel->"hidden"]], "Output"])nb",

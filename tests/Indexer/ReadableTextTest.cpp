@@ -60,6 +60,24 @@ const Golden kGoldens[] = {
     {"SpaceBeforeMarkupIsText",
      R"nb(Cell[BoxData[LabelBox["a", StyleBox["b", FontWeight -> "Bold"]]], "Output"])nb", "a b\n\n",
      "\n<div class=\"Output\">a <span style=\"font-weight:bold;\">b</span></div>"},
+    // Outside code, strings show as the page shows them.
+    {"OutputAndPrintStringsShowAsText",
+     R"nb(Cell[BoxData["\"x\\ny \\\"q\\\"\""], "Output"], Cell[BoxData[RowBox[{"\"Done: \"", "\[InvisibleSpace]", "3"}]], "Print"])nb",
+     "x\ny \"q\"\n\nDone: 3\n\n",
+     "\n<div class=\"Output\">x<br/>\ny &quot;q&quot;</div>\n<div class=\"Print\">Done: 3</div>"},
+    {"CodeStylesKeepQuotesAndEscapes",
+     R"nb(Cell[BoxData[RowBox[{"f", "[", "\"a\\tb\"", "]"}]], "Code"], Cell[BoxData["\"s\""], "InputOnly"])nb",
+     "f[\"a\\tb\"]\n\n\"s\"\n\n",
+     "\n<div class=\"Code\">f[<span style=\"color: #666666;\">&quot;a\\tb&quot;</span>]</div>"
+     "\n<div class=\"InputOnly\">&quot;s&quot;</div>"},
+    {"QuotesOfTextCellsAreText", R"nb(Cell[TextData[{"say \"hi\"", StyleBox["\"there\"", FontSlant->"Italic"]}], "Text"])nb",
+     "say \"hi\"\"there\"\n\n",
+     "\n<div class=\"Text\">say &quot;hi&quot;<span style=\"font-style:italic;\">&quot;there&quot;</span></div>"},
+    {"FieldForAnExpressionShowsCode",
+     R"nb(Cell[BoxData[RowBox[{InputFieldBox["\"abc\""], InputFieldBox["\"abc\"", String], StyleBox["\"on\"", ShowStringCharacters->True]}]], "Output"])nb",
+     "|__\"abc\"__||__abc__|\"on\"\n\n",
+     "\n<div class=\"Output\"><input type=\"text\" value=\"&quot;abc&quot;\"/><input type=\"text\" value=\"abc\"/>"
+     "<span style=\"\">&quot;on&quot;</span></div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};
