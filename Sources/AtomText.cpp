@@ -196,6 +196,55 @@ bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength) {
   return true;
 }
 
+//===--- Numbers ----------------------------------------------------------===//
+
+namespace {
+bool isDigit(ZnUnichar theCharacter) { return theCharacter >= '0' && theCharacter <= '9'; }
+
+/// The index after the digits and the one optional point from theIndex on;
+/// theDigits tells whether any digit was among them.
+ZnIndex skipDecimal(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex, bool* theDigits) {
+  bool point = false;
+  *theDigits = false;
+  for (; theIndex < theLength; ++theIndex) {
+    if (isDigit(theText[theIndex]))
+      *theDigits = true;
+    else if (theText[theIndex] == '.' && !point)
+      point = true;
+    else
+      break;
+  }
+  return theIndex;
+}
+} // namespace
+
+bool findNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex* theStart, ZnIndex* theEnd) {
+  bool digits = false;
+  ZnIndex i = skipDecimal(theText, theLength, 0, &digits);
+  if (!digits || i >= theLength || theText[i] != '`')
+    return false;
+  const ZnIndex start = i++;
+  if (i < theLength && theText[i] == '`')
+    ++i;
+  i = skipDecimal(theText, theLength, i, &digits);
+  const ZnIndex end = i;
+  if (i + 1 < theLength && theText[i] == '*' && theText[i + 1] == '^') {
+    i += 2;
+    if (i < theLength && (theText[i] == '-' || theText[i] == '+'))
+      ++i;
+    const ZnIndex exponent = i;
+    while (i < theLength && isDigit(theText[i]))
+      ++i;
+    if (i == exponent)
+      return false;
+  }
+  if (i != theLength)
+    return false;
+  *theStart = start;
+  *theEnd = end;
+  return true;
+}
+
 //===--- Box groups -------------------------------------------------------===//
 
 bool findBoxGroup(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theFrom, ZnIndex* theStart, ZnIndex* theEnd) {

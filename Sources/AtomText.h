@@ -30,6 +30,13 @@ void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableStri
 /// is not).
 bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength);
 
+/// Whether theText is a number with a precision or accuracy mark, as output
+/// writes machine and arbitrary-precision reals ("70.82400862821649`",
+/// "8.`", "1.5`20.*^-10", "3``12"): digits with an optional point, one or two
+/// backquotes and the digits after them, optionally "*^" and an exponent.
+/// The mark runs from theStart (its first backquote) to theEnd.
+bool findNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex* theStart, ZnIndex* theEnd);
+
 /// Finds the first box group that opens at or after theFrom: its first
 /// index (the backslash) and the index just after its closing "\\)". False
 /// when none opens there, or when the first one never closes.

@@ -406,6 +406,15 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
   }
   const ZnUnichar* units = text->getCharactersPtr();
   const ZnIndex length = text->length();
+  ZnIndex markStart = 0;
+  ZnIndex markEnd = 0;
+  if (theContext.insideBoxData && !theContext.codeStyle &&
+      AtomText::findNumberMark(units, length, &markStart, &markEnd)) {
+    // The page shows the number without its precision.
+    writeResolvedText(units, markStart, theContext);
+    writeResolvedText(units + markEnd, length - markEnd, theContext);
+    return;
+  }
   if (!theContext.showStringCharacters) {
     // A string that holds a string literal, written "\"...\"": where string
     // characters are hidden, its quotes go and its own escapes resolve.

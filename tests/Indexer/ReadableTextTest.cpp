@@ -78,6 +78,12 @@ const Golden kGoldens[] = {
      "|__\"abc\"__||__abc__|\"on\"\n\n",
      "\n<div class=\"Output\"><input type=\"text\" value=\"&quot;abc&quot;\"/><input type=\"text\" value=\"abc\"/>"
      "<span style=\"\">&quot;on&quot;</span></div>"},
+    // Outside code, numbers lose their precision marks.
+    {"NumberMarksAreDroppedOutsideCode",
+     R"nb(Cell[BoxData[RowBox[{"70.82400862821649`", ",", "8.`", ",", "1.5`20.*^-10", ",", "3``12", ",", "2`x"}]], "Output"], Cell[BoxData["8.`"], "Input"], Cell["8.`", "Text"])nb",
+     "70.82400862821649, 8., 1.5*^-10, 3, 2`x\n\n8.`\n\n8.`\n\n",
+     "\n<div class=\"Output\">70.82400862821649, 8., 1.5*^-10, 3, 2`x</div>\n<div class=\"Input\">8.`</div>"
+     "\n<div class=\"Text\">8.`</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};
