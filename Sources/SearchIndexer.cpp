@@ -94,8 +94,7 @@ private:
 //===--- Life cycle -------------------------------------------------------===//
 
 SearchIndexer::SearchIndexer()
-    : characterEncoding_(adopt(new Zn::Kx::Encoding(Zn::Kx::Encoding::kTextFlags))),
-      namedCounters_(adopt(new Zn::MutableDictionary())) {}
+    : characterEncoding_(adopt(new Zn::Kx::Encoding(Zn::Kx::Encoding::kTextFlags))) {}
 
 SearchIndexer::~SearchIndexer() {
   for (ZnIndex i = 0; i < scratchCount_; ++i)
@@ -500,9 +499,13 @@ void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
   Expr* contents = theCell->length() >= 1 ? theCell->part(1) : nullptr;
   // A cell group's cells are cells of the notebook in their turn.
   context.insideCell = !CellGroupData.isHeadOf(contents);
+  // Every cell starts flush left, whatever brackets earlier cells left open.
+  Zn::Writer* writer = theContext.writer.get();
+  writer->setIndentLevel(0);
   if (theCell->length() < 2) {
     if (contents)
       indexBox(contents, context);
+    writer->setIndentLevel(0);
     return;
   }
   context.cell = retained(theCell);
@@ -513,10 +516,7 @@ void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
   Zn::String* style = context.cellStyle.get();
   context.codeStyle = Input.isNameOf(style) || Code.isNameOf(style) || sInputOnly.isNameOf(style);
 
-  // Every style counts its own cells, which is what CounterBox shows.
-  auto counter = dynamic_cast<Expr*>(namedCounters_->objectForKey(style));
-  auto next = adopt(new Zn::Kx::MachineInteger(counter ? counter->integerValue() + 1 : 1));
-  namedCounters_->setObjectForKey(style, next.get());
+  namedCounters_.countCell(style);
 
   beginCell(theCell, context);
   if (Input.isNameOf(style))
@@ -534,6 +534,9 @@ void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
   readCellOptions(theCell);
 
   indexBox(contents, context);
+  // The separator's line ends are indented like any: the next cell's first
+  // line must not inherit this cell's open brackets.
+  writer->setIndentLevel(0);
   if (CellGroupData.isHeadOf(contents) || GraphicsData.isHeadOf(contents))
     return;
   endCell(theCell, context);
@@ -685,7 +688,7 @@ void SearchIndexer::indexCounterBox(Expr* theBox, const IndexContext& theContext
   if (theBox->length() < 1)
     return;
   auto name = adopt(theBox->stringValueOfPart(1));
-  if (Zn::Object* value = namedCounters_->objectForKey(name.get()))
+  if (Zn::Object* value = namedCounters_.countForName(name.get()))
     theContext.writer->putString(adopt(value->description()).get());
   else
     theContext.writer->putCharacter('0');

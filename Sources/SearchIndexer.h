@@ -1,5 +1,6 @@
 //===- SearchIndexer.h - Walks a parsed notebook for a renderer -----------===//
 #pragma once
+#include "OutlineCounters.h"
 #include "Zn/Base/ZnObject.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/IO/ZnWriter.h"
@@ -205,7 +206,7 @@ private:
   /// +1. The URL when theBox is a hyperlink button, else null.
   Zn::String* copyHyperlinkURL(Zn::Kx::Expr* theBox);
 
-  Zn::Ref<Zn::MutableDictionary> namedCounters_;
+  OutlineCounters namedCounters_;
   ZnIndex inputCellCount_ = 0;
   ZnIndex outputCellCount_ = 0;
   ZnIndex titleCellCount_ = 0;

@@ -84,6 +84,18 @@ const Golden kGoldens[] = {
      "70.82400862821649, 8., 1.5*^-10, 3, 2`x\n\n8.`\n\n8.`\n\n",
      "\n<div class=\"Output\">70.82400862821649, 8., 1.5*^-10, 3, 2`x</div>\n<div class=\"Input\">8.`</div>"
      "\n<div class=\"Text\">8.`</div>"},
+    // Every cell starts flush left; the outline's counts nest.
+    {"CellsStartFlushLeft",
+     R"nb(Cell[BoxData[RowBox[{"f", "[", "x", "\n", "y"}]], "Input"], Cell["Next", "Section"], Cell[TextData[{"g", Cell[BoxData[RowBox[{"[", "\n"}]]]}], "Text"], Cell["Last", "Text"])nb",
+     "f[x\n\ty\n\nNext\n\ng[\n\t\n\nLast\n\n",
+     "\n<div class=\"Input\">f[x<br/>\n&#160;&#160;&#160;&#160;y</div>\n<div class=\"Section\">Next</div>"
+     "\n<div class=\"Text\">g[<br/>\n&#160;&#160;&#160;&#160;</div>\n<div class=\"Text\">Last</div>"},
+    {"OutlineCountsNest",
+     R"nb(Cell[CellGroupData[{Cell[TextData[{CounterBox["Chapter"], " A"}], "Chapter"], Cell[TextData[{CounterBox["Chapter"], ".", CounterBox["Section"], " a"}], "Section"], Cell[TextData[{CounterBox["Section"], ".", CounterBox["Subsection"], " i"}], "Subsection"], Cell[TextData[{CounterBox["Section"], " b ", CounterBox["Figure"]}], "Section"]}, Open]], Cell[TextData[{CounterBox["Chapter"], " B"}], "Chapter"], Cell[TextData[{CounterBox["Chapter"], ".", CounterBox["Section"], ".", CounterBox["Subsection"], " c"}], "Section"], Cell[TextData[{"T", CounterBox["Chapter"], CounterBox["Figure"]}], "Title"])nb",
+     "1 A\n\n1.1 a\n\n1.1 i\n\n2 b 0\n\n2 B\n\n2.1.0 c\n\nT00\n\n",
+     "\n<div class=\"Chapter\">1 A</div>\n<div class=\"Section\">1.1 a</div>\n<div class=\"Subsection\">1.1 i</div>"
+     "\n<div class=\"Section\">2 b 0</div>\n<div class=\"Chapter\">2 B</div>\n<div class=\"Section\">2.1.0 c</div>"
+     "\n<div class=\"Title\">T00</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};
