@@ -55,6 +55,11 @@ Expr* optionValue(Expr* theBox, ZnIndex theFirst, Vocabulary::Constant& theName)
   return nullptr;
 }
 
+/// Whether theText is an address: it holds "://" or is a mail address.
+bool isURL(const Zn::String* theText) {
+  return theText->indexOfCString("mailto:", true, 0) == 0 || theText->indexOfCString("://", true, 0) >= 0;
+}
+
 /// The graphics options say None for a label that is not there.
 const Vocabulary::Word sNone("None");
 /// A code style besides Input and Code.
@@ -660,7 +665,10 @@ Zn::String* SearchIndexer::copyHyperlinkURL(Expr* theBox) {
     return nullptr;
   if (!data)
     return new Zn::String();
-  if (Zn::String* text = stringText(data))
+  // A string names a place to go: a URL, or else a cell tag of a notebook,
+  // which is no address a reader could follow.
+  Zn::String* text = stringText(data);
+  if (text && isURL(text))
     return static_cast<Zn::String*>(text->retain());
   return nullptr;
 }

@@ -96,6 +96,12 @@ const Golden kGoldens[] = {
      "\n<div class=\"Chapter\">1 A</div>\n<div class=\"Section\">1.1 a</div>\n<div class=\"Subsection\">1.1 i</div>"
      "\n<div class=\"Section\">2 b 0</div>\n<div class=\"Chapter\">2 B</div>\n<div class=\"Section\">2.1.0 c</div>"
      "\n<div class=\"Title\">T00</div>"},
+    // Only a URL makes a link; a cell tag, or a notebook and a tag, a button.
+    {"OnlyURLsAreLinks",
+     R"nb(Cell[TextData[{"see ", ButtonBox["label", BaseStyle->"Hyperlink", ButtonData->"0000381F"], ", ", ButtonBox["notes", BaseStyle->"Hyperlink", ButtonData->{"Notes.nb", "sec2"}], ", ", ButtonBox["mail", BaseStyle->"Hyperlink", ButtonData->"mailto:a@b.example"], " and ", ButtonBox["web", ButtonStyle->"Hyperlink", ButtonData->"https://c.example/x?a&b"]}], "Text"])nb",
+     "see label, notes, mail <mailto:a@b.example> and web <https://c.example/x?a&b>\n\n",
+     "\n<div class=\"Text\">see <input type=\"button\" value=\"label\"/>, <input type=\"button\" value=\"notes\"/>, "
+     "<a href=\"mailto:a@b.example\">mail</a> and <a href=\"https://c.example/x?a&amp;b\">web</a></div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};
