@@ -10,27 +10,15 @@
 using Zn::adopt;
 using Zn::retained;
 using Zn::Kx::Expr;
-using Zn::Kx::Head;
-using Zn::Kx::HeadSymbol;
 
 namespace {
-
-int hexValue(ZnUnichar theCharacter) {
-  if (theCharacter >= '0' && theCharacter <= '9')
-    return theCharacter - '0';
-  if (theCharacter >= 'a' && theCharacter <= 'f')
-    return theCharacter - 'a' + 10;
-  if (theCharacter >= 'A' && theCharacter <= 'F')
-    return theCharacter - 'A' + 10;
-  return -1;
-}
 
 /// The value of theDigits hexadecimal digits at theText, or -1.
 int32_t hexNumber(const ZnUnichar* theText, ZnIndex theDigits) {
   int32_t value = 0;
   for (ZnIndex i = 0; i < theDigits; ++i) {
-    int digit = hexValue(theText[i]);
-    if (digit < 0)
+    const int32_t digit = Zn::DigitValue(theText[i]);
+    if (digit >= 16)
       return -1;
     value = value * 16 + digit;
   }
@@ -90,7 +78,7 @@ Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape
   auto parser = adopt(new Zn::Kx::ExprParser(reader.get()));
   parser->setErrorHandler(nullptr);
   auto result = adopt(parser->parse());
-  if (result && result->isEqual(HeadSymbol(Head::SyntaxError)))
+  if (result && result->isEqual(Zn::Kx::HeadSymbol(Zn::Kx::Head::SyntaxError)))
     return nullptr;
   return result.leak();
 }
@@ -137,23 +125,16 @@ ZnIndex resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIn
     break;
   }
   case '.':
-    if (theIndex + 4 <= theLength) {
-      int32_t code = hexNumber(theText + theIndex + 2, 2);
-      if (code >= 0) {
-        theResult->appendCharacter(ZnUnichar(code));
-        return theIndex + 4;
-      }
+  case ':': {
+    // "\.xx" and "\:xxxx": two or four hexadecimal digits.
+    const ZnIndex digits = next == '.' ? 2 : 4;
+    const int32_t code = theIndex + 2 + digits <= theLength ? hexNumber(theText + theIndex + 2, digits) : -1;
+    if (code >= 0) {
+      theResult->appendCharacter(ZnUnichar(code));
+      return theIndex + 2 + digits;
     }
     break;
-  case ':':
-    if (theIndex + 6 <= theLength) {
-      int32_t code = hexNumber(theText + theIndex + 2, 4);
-      if (code >= 0) {
-        theResult->appendCharacter(ZnUnichar(code));
-        return theIndex + 6;
-      }
-    }
-    break;
+  }
   default: break;
   }
   // Not an escape: the backslash is text like any other character.
