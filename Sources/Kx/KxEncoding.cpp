@@ -41,14 +41,17 @@ const ReplacementRow kReplacementRows[] = {
     {0xF3BA, ""}, {0xF3BB, ""}, {0xF3BC, ""},
     // Constants.
     {0x03C0, "Pi"}, {0xF74E, "I"}, {0xF74D, "E"}, {0xF74C, "d"}, {0xF74B, "D"},
+    // Operators that are only read by name: associations, rules, edges, functions.
+    {0xF113, "<|"}, {0xF114, "|>"}, {0xF120, "<->"}, {0xF3D4, "<->"}, {0xF3D5, "->"}, {0xF4A1, "|->"},
 };
-static_assert(sizeof kReplacementRows / sizeof kReplacementRows[0] == 60);
+static_assert(sizeof kReplacementRows / sizeof kReplacementRows[0] == 66);
 
 // Built once under the lock below and read-only afterwards. Both start out
 // constant-initialised, so an encoding made during static initialisation
 // finds them usable; the replacements' storage is freed at exit.
 int32_t sSharedTablesLock = 0;
 NamedCharacterTable sNamedCharacters;
+NamedCharacterTable sReadOnlyNames;
 ReplacementTable sStandardReplacements;
 
 void EnsureSharedTables() {
@@ -58,9 +61,18 @@ void EnsureSharedTables() {
   ZnIndex count = 0;
   const NamedCharacter* rows = GetNamedCharacterRows(&count);
   sNamedCharacters.load(rows, count);
+  rows = GetReadOnlyNameRows(&count);
+  sReadOnlyNames.load(rows, count);
   for (const ReplacementRow& row : kReplacementRows)
     sStandardReplacements.setReplacement(row.code, row.text);
   Unlock(&sSharedTablesLock);
+}
+
+// The code point of a name of either table: the written names first, then
+// those that are only read.
+template <class CharT> bool CodeForName(const CharT* theName, ZnIndex theLength, ZnUnichar* theCode) {
+  return sNamedCharacters.codeForName(theName, theLength, theCode) ||
+         sReadOnlyNames.codeForName(theName, theLength, theCode);
 }
 
 //===--- Character helpers -----------------------------------------------===//
@@ -165,11 +177,11 @@ bool Encoding::lookupNamedCharacter(const String* theName, ZnUnichar* theCode) {
 
 bool Encoding::lookupNamedCharacter(const ZnUnichar* theName, ZnIndex theLength, ZnUnichar* theCode) {
   EnsureSharedTables();
-  return sNamedCharacters.codeForName(theName, theLength, theCode);
+  return CodeForName(theName, theLength, theCode);
 }
 
 bool Encoding::lookupNamedCharacter(const uint8_t* theName, ZnIndex theLength, ZnUnichar* theCode) const {
-  return names_->codeForName(theName, theLength, theCode);
+  return CodeForName(theName, theLength, theCode);
 }
 
 //===--- Decoding --------------------------------------------------------===//
@@ -201,7 +213,7 @@ ZnIndex Encoding::decode(const CharT* theUnits, ZnIndex theCount, MutableString*
       if (close == theCount)
         return i;
       ZnUnichar code;
-      if (close < limit && names_->codeForName(theUnits + i + 2, close - i - 2, &code)) {
+      if (close < limit && CodeForName(theUnits + i + 2, close - i - 2, &code)) {
         theString->appendCharacter(code);
         i = close + 1;
         continue;

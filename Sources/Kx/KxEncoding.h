@@ -77,7 +77,8 @@ public:
   /// and copied; "" drops the character).
   void setReplacement(ZnUnichar theCode, const char* theText);
 
-  /// The code point of a name (without the brackets); false when unknown.
+  /// The code point of a name (without the brackets), of the written names
+  /// or of those that are only read; false when unknown.
   static bool lookupNamedCharacter(const String* theName, ZnUnichar* theCode);
   static bool lookupNamedCharacter(const ZnUnichar* theName, ZnIndex theLength, ZnUnichar* theCode);
   bool lookupNamedCharacter(const uint8_t* theName, ZnIndex theLength, ZnUnichar* theCode) const;

@@ -10,9 +10,18 @@ static const NamedCharacter kNamedCharacterRows[] = {
 #include "Kx/KxNamedCharacterTable.inc"
 };
 
+static const NamedCharacter kReadOnlyNameRows[] = {
+#include "Kx/KxReadOnlyNameTable.inc"
+};
+
 const NamedCharacter* GetNamedCharacterRows(ZnIndex* theCount) {
   *theCount = ZnIndex(sizeof kNamedCharacterRows / sizeof kNamedCharacterRows[0]);
   return kNamedCharacterRows;
+}
+
+const NamedCharacter* GetReadOnlyNameRows(ZnIndex* theCount) {
+  *theCount = ZnIndex(sizeof kReadOnlyNameRows / sizeof kReadOnlyNameRows[0]);
+  return kReadOnlyNameRows;
 }
 
 //===--- Hashing ---------------------------------------------------------===//

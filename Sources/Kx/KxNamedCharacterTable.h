@@ -13,6 +13,10 @@ struct NamedCharacter {
 
 /// The rows in loading order (static data, never freed); theCount gets 882.
 const NamedCharacter* GetNamedCharacterRows(ZnIndex* theCount);
+/// Names that are read but never written (static data, never freed):
+/// accented Latin letters and operators that recent notebooks name and the
+/// rows above lack. None of them is a name of those rows.
+const NamedCharacter* GetReadOnlyNameRows(ZnIndex* theCount);
 
 /// Lookup in both directions over the named rows: a name (as bytes or as
 /// code units) to its code point, and a code point to its name. Both

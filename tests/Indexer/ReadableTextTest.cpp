@@ -102,6 +102,12 @@ const Golden kGoldens[] = {
      "see label, notes, mail <mailto:a@b.example> and web <https://c.example/x?a&b>\n\n",
      "\n<div class=\"Text\">see <input type=\"button\" value=\"label\"/>, <input type=\"button\" value=\"notes\"/>, "
      "<a href=\"mailto:a@b.example\">mail</a> and <a href=\"https://c.example/x?a&amp;b\">web</a></div>"},
+    // Accented letters and operators that only recent notebooks name.
+    {"ReadOnlyNamesAreTheirCharacters",
+     R"nb(Cell["mno\[ZHacek]ica \[URing] \[CapitalRHacek] \[NoSuchName]", "Text"], Cell[BoxData[RowBox[{"\[LeftAssociation]", RowBox[{"a", "->", "1"}], "\[RightAssociation]", " ", "x", "\[Function]", "y", "\[DirectedEdge]", "\[UndirectedEdge]", "\[TwoWayRule]", "\[TensorProduct]", "\[Equivalent]"}]], "Output"])nb",
+     "mno\u017Eica \u016F \u0158 \\[NoSuchName]\n\n<|a->1|> x|->y-><-><->\u2297\u29E6\n\n",
+     "\n<div class=\"Text\">mno\u017Eica \u016F \u0158 \\[NoSuchName]</div>"
+     "\n<div class=\"Output\">&lt;|a-&gt;1|&gt; x|-&gt;y-&gt;&lt;-&gt;&lt;-&gt;\u2297\u29E6</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};

@@ -31,6 +31,9 @@ const DecodeCase kDecodeCases[] = {
     {"a\\[Alpha]b", 0x000, u"a\\[Alpha]b", -1},
     {"\\[RawTab]\\[Pictogram1]", 0x100, u"\t\uF720", -1},
     {"\\[NoSuchName]x", 0x100, u"\\[NoSuchName]x", -1},
+    // Names that are only read: accented letters and operators.
+    {"mno\\[ZHacek]ica \\[CapitalRHacek]\\[LeftAssociation]\\[TensorProduct]", 0x100,
+     u"mno\u017Eica \u0158\uF113\u2297", -1},
     {"\\[]", 0x100, u"\\[]", -1},
     {"\\[\\[Alpha]]", 0x100, u"\\[\u03B1]", -1},
     // A run too long to be a name is text, even without its "]".
@@ -101,6 +104,9 @@ const WriteCase kWriteCases[] = {
     {Way::kUnits, u"\u221E", 0x010, "\\[Infinity]"},
     {Way::kUnits, u"!\t", 0x001, "\\[RawExclamation]\\[RawTab]"},
     {Way::kUnits, u"\U0001F600", 0x01F, "\\:d83d\\:de00"},
+    // Names that are only read are never written.
+    {Way::kUnits, u"\u017E\u29E6", 0x01F, "\\:017e\\:29e6"},
+    {Way::kUnits, u"\uF113a\uF114\uF4A1", 0x01F, "<|a|>|->"},
     // Replacements win over names and apply whatever the flags.
     {Way::kUnits, u"a\u2192b\uF522", 0x01F, "a->b->"},
     {Way::kUnits, u"x\uF360y\u2028\u03C0", 0x10C, "xy\nPi"},

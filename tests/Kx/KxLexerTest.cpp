@@ -166,6 +166,7 @@ TEST_F(LexerTest, StringsKeepLineBreaksAndDecodeCharacterEscapes) {
       {"\"a\nb\r\nc\\\nd\\\r\ne\"", {KxString}, "\"a\nb\ncde\""},
       {R"t("q\"b\\")t", {KxString}, R"t("q\"b\\")t"},
       {R"t("\[Alpha]\.41\:00e9")t", {KxString}, "\"\xCE\xB1" "A\xC3\xA9\""},
+      {R"t("\[EHacek]\[Function]")t", {KxString}, "\"\xC4\x9B\xEF\x92\xA1\""},
       {R"t("\[NoSuch] \[Alpha \.4 \:12g4")t", {KxString}, R"t("\[NoSuch] \[Alpha \.4 \:12g4")t"},
       {R"t("unterminated)t", {KxUnknown}, ""},
       {R"t("x\)t", {KxUnknown}, ""},

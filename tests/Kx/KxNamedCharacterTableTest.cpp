@@ -1,4 +1,5 @@
 //===- KxNamedCharacterTableTest.cpp - The committed table and its lookups -===//
+#include "Kx/KxEncoding.h"
 #include "Kx/KxNamedCharacterTable.h"
 #include "Support/ZnTestSupport.h"
 #include <fstream>
@@ -68,4 +69,35 @@ TEST(NamedCharacterTableTest, EveryRowIsFoundBothWaysAndNothingElse) {
   // A unit above 255 whose low byte spells the name is not the name.
   const ZnUnichar kWide[] = {0x141, 'l', 'p', 'h', 'a'};
   EXPECT_FALSE(table.codeForName(kWide, 5, &code));
+}
+
+// The names that are only read: none of them is a written name, each one is
+// read (as code units, through the encoding) as its own code point, and the
+// written table gives no name back for a code point that only they name.
+TEST(NamedCharacterTableTest, ReadOnlyNamesAreReadButNeverWritten) {
+  ZnIndex writtenCount = 0, readOnlyCount = 0;
+  const NamedCharacter* written = GetNamedCharacterRows(&writtenCount);
+  const NamedCharacter* readOnly = GetReadOnlyNameRows(&readOnlyCount);
+  NamedCharacterTable table;
+  table.load(written, writtenCount);
+  ZnIndex accented = 0;
+  for (ZnIndex i = 0; i < readOnlyCount; ++i) {
+    const std::string name = readOnly[i].name;
+    ZnUnichar code = 0;
+    EXPECT_FALSE(table.codeForName(name.data(), ZnIndex(name.size()), &code)) << name;
+    const std::u16string units(name.begin(), name.end());
+    EXPECT_TRUE(Encoding::lookupNamedCharacter(reinterpret_cast<const ZnUnichar*>(units.data()),
+                                               ZnIndex(units.size()), &code))
+        << name;
+    EXPECT_EQ(code, readOnly[i].code) << name;
+    if (code >= 0x00C0 && code < 0x0180)
+      ++accented;
+  }
+  // Latin Extended-A's letters with the eleven marks, less those the
+  // written table already names, and eight operators.
+  EXPECT_EQ(accented, 71);
+  EXPECT_EQ(readOnlyCount, accented + 8);
+  ZnIndex length = 0;
+  EXPECT_EQ(table.nameForCode(0x017E, &length), nullptr) << "ZHacek is read only";
+  EXPECT_EQ(table.nameForCode(0xF113, &length), nullptr) << "LeftAssociation is read only";
 }
