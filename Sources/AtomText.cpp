@@ -166,15 +166,43 @@ void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableStri
 }
 
 bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength) {
-  if (theLength < 2 || theText[0] != '"' || theText[theLength - 1] != '"')
-    return false;
-  for (ZnIndex i = 1; i < theLength - 1; ++i) {
-    if (theText[i] == '\\')
+  ZnIndex start = 0;
+  ZnIndex end = 0;
+  return findStringLiteral(theText, theLength, 0, &start, &end) && start == 0 && end == theLength;
+}
+
+bool findStringLiteral(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theFrom, ZnIndex* theStart,
+                       ZnIndex* theEnd) {
+  ZnIndex open = theFrom;
+  while (open < theLength && theText[open] != '"')
+    open += theText[open] == '\\' ? 2 : 1;
+  for (ZnIndex i = open + 1; i < theLength; ++i) {
+    if (theText[i] == '\\') {
       ++i;
-    else if (theText[i] == '"')
+    } else if (theText[i] == '"') {
+      *theStart = open;
+      *theEnd = i + 1;
+      return true;
+    }
+  }
+  return false;
+}
+
+bool holdsStringLiterals(const ZnUnichar* theText, ZnIndex theLength) {
+  ZnIndex start = 0;
+  ZnIndex end = 0;
+  ZnIndex from = 0;
+  bool any = false;
+  while (findStringLiteral(theText, theLength, from, &start, &end)) {
+    any = true;
+    from = end;
+  }
+  // A quote left open after the last literal is a quote of the text.
+  for (ZnIndex i = from; i < theLength; i += theText[i] == '\\' ? 2 : 1) {
+    if (theText[i] == '"')
       return false;
   }
-  return true;
+  return any;
 }
 
 //===--- Numbers ----------------------------------------------------------===//

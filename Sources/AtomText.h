@@ -30,6 +30,17 @@ void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableStri
 /// is not).
 bool isOneStringLiteral(const ZnUnichar* theText, ZnIndex theLength);
 
+/// Finds the first quoted string literal from theFrom on: [theStart, theEnd)
+/// spans it with its quotes. A quote after a backslash neither opens nor
+/// closes one. False when no quote opens a literal that a later one closes.
+bool findStringLiteral(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theFrom, ZnIndex* theStart,
+                       ZnIndex* theEnd);
+
+/// Whether theText holds quoted string literals and no quote outside them:
+/// "a" is one literal, "a" <> "b" two, and "size "2"X" two with text
+/// between; a"b holds a quote that no literal closes, and a \"b\" none.
+bool holdsStringLiterals(const ZnUnichar* theText, ZnIndex theLength);
+
 /// Whether theText is a number with a precision or accuracy mark, as output
 /// writes machine and arbitrary-precision reals ("70.82400862821649`",
 /// "8.`", "1.5`20.*^-10", "3``12"): digits with an optional point, one or two

@@ -420,12 +420,26 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
     return;
   }
   if (!theContext.showStringCharacters) {
-    // A string that holds a string literal, written "\"...\"": where string
-    // characters are hidden, its quotes go and its own escapes resolve.
+    // Where string characters are hidden, string literals lose their quotes
+    // and their own escapes resolve: a string that holds one literal,
+    // written "\"...\"", or a run of linear syntax in which literals stand
+    // with their quotes among other text ("size "2"X").
     Scratch value(this);
     AtomText::resolveEscapes(units, length, value.get());
     if (AtomText::isOneStringLiteral(value->getCharactersPtr(), value->length())) {
       writeAtomText(value->getCharactersPtr() + 1, value->length() - 2, theContext);
+      return;
+    }
+    if (AtomText::holdsStringLiterals(units, length)) {
+      ZnIndex written = 0;
+      ZnIndex start = 0;
+      ZnIndex end = 0;
+      while (AtomText::findStringLiteral(units, length, written, &start, &end)) {
+        writeAtomText(units + written, start - written, theContext);
+        writeAtomText(units + start + 1, end - start - 2, theContext);
+        written = end;
+      }
+      writeAtomText(units + written, length - written, theContext);
       return;
     }
   }

@@ -7,6 +7,23 @@
 namespace {
 std::u16string Units(const char* theText) { return std::u16string(theText, theText + strlen(theText)); }
 
+TEST(AtomTextTest, TellsTextsMadeOfClosedStringLiterals) {
+  const struct {
+    const char* text;
+    bool holds;
+  } cases[] = {
+      {R"("a")", true},         {R"("a" <> "b")", true}, {R"("size "2"X")", true}, {R"("q\"b")", true},
+      {R"(x "" y)", true},      {"plain", false},        {R"(a"b)", false},        {R"("a" "b)", false},
+      {R"("a\")", false},       {"", false},             {R"(a \"b\" c)", false},  {R"(\"a" "b")", false},
+  };
+  for (const auto& c : cases) {
+    std::u16string text = Units(c.text);
+    EXPECT_EQ(AtomText::holdsStringLiterals(reinterpret_cast<const ZnUnichar*>(text.data()), ZnIndex(text.size())),
+              c.holds)
+        << c.text;
+  }
+}
+
 TEST(AtomTextTest, FindsTheMarksOfNumbersOnly) {
   struct Case {
     const char* text;

@@ -62,9 +62,9 @@ const Golden kGoldens[] = {
      "\n<div class=\"Output\">a <span style=\"font-weight:bold;\">b</span></div>"},
     // Outside code, strings show as the page shows them.
     {"OutputAndPrintStringsShowAsText",
-     R"nb(Cell[BoxData["\"x\\ny \\\"q\\\"\""], "Output"], Cell[BoxData[RowBox[{"\"Done: \"", "\[InvisibleSpace]", "3"}]], "Print"])nb",
-     "x\ny \"q\"\n\nDone: 3\n\n",
-     "\n<div class=\"Output\">x<br/>\ny &quot;q&quot;</div>\n<div class=\"Print\">Done: 3</div>"},
+     R"nb(Cell[BoxData["\"x\\ny \\\"q\\\"\""], "Output"], Cell[BoxData[RowBox[{"\"Done: \"", "\[InvisibleSpace]", "3"}]], "Print"], Cell[BoxData[\("size "\[InvisibleSpace]2\[InvisibleSpace]"X \"y\""\)], "Print"])nb",
+     "x\ny \"q\"\n\nDone: 3\n\nsize 2X \"y\"\n\n",
+     "\n<div class=\"Output\">x<br/>\ny &quot;q&quot;</div>\n<div class=\"Print\">Done: 3</div>\n<div class=\"Print\">size 2X &quot;y&quot;</div>"},
     {"CodeStylesKeepQuotesAndEscapes",
      R"nb(Cell[BoxData[RowBox[{"f", "[", "\"a\\tb\"", "]"}]], "Code"], Cell[BoxData["\"s\""], "InputOnly"])nb",
      "f[\"a\\tb\"]\n\n\"s\"\n\n",
