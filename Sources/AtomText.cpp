@@ -225,11 +225,13 @@ ZnIndex skipDecimal(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theInde
   }
   return theIndex;
 }
-} // namespace
 
-bool findNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex* theStart, ZnIndex* theEnd) {
+/// Matches a number with a mark from theIndex on: the mark runs from
+/// theStart to theEnd and the number ends at theNumberEnd.
+bool matchNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex, ZnIndex* theStart,
+                     ZnIndex* theEnd, ZnIndex* theNumberEnd) {
   bool digits = false;
-  ZnIndex i = skipDecimal(theText, theLength, 0, &digits);
+  ZnIndex i = skipDecimal(theText, theLength, theIndex, &digits);
   if (!digits || i >= theLength || theText[i] != '`')
     return false;
   const ZnIndex start = i++;
@@ -247,10 +249,44 @@ bool findNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex* theSta
     if (i == exponent)
       return false;
   }
-  if (i != theLength)
-    return false;
   *theStart = start;
   *theEnd = end;
+  *theNumberEnd = i;
+  return true;
+}
+
+/// Whether a character joins the token next to it: a number next to one is
+/// part of a name ("x1`", "Package1`") or of something else ("2`x").
+bool joinsToken(ZnUnichar theCharacter) {
+  return isDigit(theCharacter) || (theCharacter >= 'a' && theCharacter <= 'z') ||
+         (theCharacter >= 'A' && theCharacter <= 'Z') || theCharacter == '$' || theCharacter == '`' ||
+         theCharacter == '.';
+}
+} // namespace
+
+bool findNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex* theStart, ZnIndex* theEnd) {
+  ZnIndex numberEnd = 0;
+  return matchNumberMark(theText, theLength, 0, theStart, theEnd, &numberEnd) && numberEnd == theLength;
+}
+
+bool dropNumberMarks(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult) {
+  ZnIndex written = 0;
+  for (ZnIndex i = 0; i < theLength; ++i) {
+    if (i > 0 && joinsToken(theText[i - 1]))
+      continue;
+    ZnIndex start = 0;
+    ZnIndex end = 0;
+    ZnIndex numberEnd = 0;
+    if (!matchNumberMark(theText, theLength, i, &start, &end, &numberEnd) ||
+        (numberEnd < theLength && joinsToken(theText[numberEnd])))
+      continue;
+    theResult->appendCharacters(theText + written, start - written);
+    written = end;
+    i = numberEnd - 1;
+  }
+  if (written == 0)
+    return false;
+  theResult->appendCharacters(theText + written, theLength - written);
   return true;
 }
 

@@ -48,6 +48,12 @@ bool holdsStringLiterals(const ZnUnichar* theText, ZnIndex theLength);
 /// The mark runs from theStart (its first backquote) to theEnd.
 bool findNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex* theStart, ZnIndex* theEnd);
 
+/// Appends theText to theResult without the marks of the numbers in it, as
+/// they stand in a run of linear syntax ("{1.5`, x}" gives "{1.5, x}"); a
+/// number must not touch a letter, digit, "$", "." or backquote on either
+/// side. False, appending nothing, when theText has no such number.
+bool dropNumberMarks(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult);
+
 /// Finds the first box group that opens at or after theFrom: its first
 /// index (the backslash) and the index just after its closing "\\)". False
 /// when none opens there, or when the first one never closes.

@@ -409,15 +409,14 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
     return;
   }
   const ZnUnichar* units = text->getCharactersPtr();
-  const ZnIndex length = text->length();
-  ZnIndex markStart = 0;
-  ZnIndex markEnd = 0;
+  ZnIndex length = text->length();
+  // Outside code the page shows numbers without their precision marks, be
+  // the string one number or a run of linear syntax that holds some.
+  Scratch unmarked(this);
   if (theContext.insideBoxData && !theContext.codeStyle &&
-      AtomText::findNumberMark(units, length, &markStart, &markEnd)) {
-    // The page shows the number without its precision.
-    writeResolvedText(units, markStart, theContext);
-    writeResolvedText(units + markEnd, length - markEnd, theContext);
-    return;
+      AtomText::dropNumberMarks(units, length, unmarked.get())) {
+    units = unmarked->getCharactersPtr();
+    length = unmarked->length();
   }
   if (!theContext.showStringCharacters) {
     // Where string characters are hidden, string literals lose their quotes

@@ -3,6 +3,9 @@
 #include <cstring>
 #include <string>
 #include "AtomText.h"
+#include "Support/ZnTestSupport.h"
+#include "Zn/Base/ZnRef.h"
+#include "Zn/Base/ZnString.h"
 
 namespace {
 std::u16string Units(const char* theText) { return std::u16string(theText, theText + strlen(theText)); }
@@ -55,6 +58,29 @@ TEST(AtomTextTest, FindsTheMarksOfNumbersOnly) {
       EXPECT_EQ(start, c.start) << c.text;
       EXPECT_EQ(end, c.end) << c.text;
     }
+  }
+}
+
+// Inside a run of linear syntax every number loses its mark; names and
+// tokens that merely hold a backquote keep theirs.
+TEST(AtomTextTest, DropsTheMarksOfEveryNumberInARun) {
+  const struct {
+    const char* text;
+    const char* expected; // null: nothing to drop
+  } cases[] = {
+      {"{15.17` Second,{2.5`,2},3``12}", "{15.17 Second,{2.5,2},3}"},
+      {"x==70.8`||x== - 1.5`20.*^-10", "x==70.8||x== - 1.5*^-10"},
+      {"8.`", "8."},
+      {"Package1`Private` x1` 2`x $3` a.5`", nullptr},
+      {"no marks here", nullptr},
+  };
+  for (const auto& c : cases) {
+    std::u16string text = Units(c.text);
+    auto result = Zn::adopt(new Zn::MutableString());
+    bool dropped = AtomText::dropNumberMarks(reinterpret_cast<const ZnUnichar*>(text.data()), ZnIndex(text.size()),
+                                             result.get());
+    EXPECT_EQ(dropped, c.expected != nullptr) << c.text;
+    EXPECT_EQ(ZnTest::Utf8(result.get()), c.expected ? c.expected : "") << c.text;
   }
 }
 } // namespace

@@ -80,10 +80,10 @@ const Golden kGoldens[] = {
      "<span style=\"\">&quot;on&quot;</span></div>"},
     // Outside code, numbers lose their precision marks.
     {"NumberMarksAreDroppedOutsideCode",
-     R"nb(Cell[BoxData[RowBox[{"70.82400862821649`", ",", "8.`", ",", "1.5`20.*^-10", ",", "3``12", ",", "2`x"}]], "Output"], Cell[BoxData["8.`"], "Input"], Cell["8.`", "Text"])nb",
-     "70.82400862821649, 8., 1.5*^-10, 3, 2`x\n\n8.`\n\n8.`\n\n",
+     R"nb(Cell[BoxData[RowBox[{"70.82400862821649`", ",", "8.`", ",", "1.5`20.*^-10", ",", "3``12", ",", "2`x"}]], "Output"], Cell[BoxData["8.`"], "Input"], Cell["8.`", "Text"], Cell[BoxData[\({1.5`, 2`}\)], "Output"])nb",
+     "70.82400862821649, 8., 1.5*^-10, 3, 2`x\n\n8.`\n\n8.`\n\n{1.5,2}\n\n",
      "\n<div class=\"Output\">70.82400862821649, 8., 1.5*^-10, 3, 2`x</div>\n<div class=\"Input\">8.`</div>"
-     "\n<div class=\"Text\">8.`</div>"},
+     "\n<div class=\"Text\">8.`</div>\n<div class=\"Output\">{1.5,2}</div>"},
     // Every cell starts flush left; the outline's counts nest.
     {"CellsStartFlushLeft",
      R"nb(Cell[BoxData[RowBox[{"f", "[", "x", "\n", "y"}]], "Input"], Cell["Next", "Section"], Cell[TextData[{"g", Cell[BoxData[RowBox[{"[", "\n"}]]]}], "Text"], Cell["Last", "Text"])nb",
