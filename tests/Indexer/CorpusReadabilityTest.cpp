@@ -1,0 +1,388 @@
+//===- CorpusReadabilityTest.cpp - The corpus reads as its pages do -------===//
+//
+// Counts, over every notebook of the corpus and in both renderers, the
+// faults that make real notebooks hard to read or search: words glued
+// across a string's line break, cells nested in cells, settings run into
+// words, code debris in cells that are not code, names left as escapes and
+// cells that start indented. Each count must be zero; the table printed
+// first tells where a count comes from.
+//
+//===----------------------------------------------------------------------===//
+#include <gtest/gtest.h>
+#include <cstdio>
+#include <map>
+#include <set>
+#include <string>
+#include <unordered_set>
+#include <vector>
+#include "NotebookHTMLIndexer.h"
+#include "NotebookTextIndexer.h"
+#include "Kx/KxExpr.h"
+#include "Support/ZnTestSupport.h"
+#include "Zn/Base/ZnData.h"
+#include "Zn/IO/ZnFileStream.h"
+#include "Zn/IO/ZnWriter.h"
+
+namespace {
+using Zn::adopt;
+
+/// What one renderer wrote for one notebook: the whole output and, per
+/// cell of the cell list, its style and its part of the output.
+struct Rendering {
+  std::string out;
+  struct Cell {
+    std::string style;
+    std::string text;
+    /// Whether the cell holds plain text, which shows as it stands.
+    bool plain = false;
+    /// The writer's indentation when the cell began (text only).
+    int indent = 0;
+  };
+  std::vector<Cell> cells;
+};
+
+/// A renderer that notes, for each cell of the cell list, its style,
+/// whether it holds plain text rather than boxes, the writer's indentation
+/// when it began and, writing to a string, where in the output it began.
+template <class Renderer> class CellNoting : public Renderer {
+public:
+  using Renderer::Renderer;
+  struct Start {
+    std::string style;
+    bool plain;
+    int indent;
+    ZnIndex at;
+  };
+  void noteOutput(Zn::StringWriter* theWriter) { output_ = theWriter; }
+  void beginCell(Zn::Kx::Expr* theCell, const IndexContext& theContext) override {
+    Renderer::beginCell(theCell, theContext);
+    starts_.push_back({theContext.cellStyle ? ZnTest::Utf8(theContext.cellStyle.get()) : "",
+                       theCell->length() >= 1 && theCell->part(1)->asCharacterString() != nullptr,
+                       theContext.writer->getIndentLevel(), output_ ? output_->getString()->length() : 0});
+  }
+  const std::vector<Start>& starts() const { return starts_; }
+
+private:
+  Zn::StringWriter* output_ = nullptr;
+  std::vector<Start> starts_;
+};
+
+std::string TextOf(Zn::String* theString, ZnIndex theFrom, ZnIndex theTo) {
+  return ZnTest::Utf8(adopt(theString->substringWithRange(Zn::Range{theFrom, theTo - theFrom})).get());
+}
+
+Rendering RenderText(const std::string& thePath) {
+  Rendering result;
+  auto writer = adopt(new Zn::StringWriter());
+  auto indexer = adopt(new CellNoting<NotebookTextIndexer>(writer.get()));
+  indexer->noteOutput(writer.get());
+  auto input = adopt(Zn::FilePointerStream::createForReading(thePath.c_str()));
+  EXPECT_TRUE(input && convertStream(indexer.get(), input.get())) << thePath;
+  Zn::String* out = writer->getString();
+  result.out = ZnTest::Utf8(out);
+  const auto& starts = indexer->starts();
+  for (size_t i = 0; i < starts.size(); ++i) {
+    ZnIndex end = i + 1 < starts.size() ? starts[i + 1].at : out->length();
+    result.cells.push_back({starts[i].style, TextOf(out, starts[i].at, end), starts[i].plain, starts[i].indent});
+  }
+  return result;
+}
+
+Rendering RenderHTML(const std::string& thePath) {
+  Rendering result;
+  auto data = adopt(new Zn::MutableData());
+  auto sink = adopt(Zn::Data::createWriteStream(data.get()));
+  auto indexer = adopt(new CellNoting<NotebookHTMLIndexer>(sink.get()));
+  auto input = adopt(Zn::FilePointerStream::createForReading(thePath.c_str()));
+  EXPECT_TRUE(input && convertStream(indexer.get(), input.get())) << thePath;
+  result.out = ZnTest::Bytes(data.get());
+  // Each cell is a div of its own whose class is its style.
+  const std::string open = "<div class=\"";
+  for (size_t at = result.out.find(open); at != std::string::npos;) {
+    size_t classEnd = result.out.find('"', at + open.size());
+    size_t next = result.out.find(open, at + 1);
+    result.cells.push_back({result.out.substr(at + open.size(), classEnd - at - open.size()),
+                            result.out.substr(at, (next == std::string::npos ? result.out.size() : next) - at)});
+    at = next;
+  }
+  const auto& starts = indexer->starts();
+  EXPECT_EQ(starts.size(), result.cells.size()) << thePath << ": one div per cell";
+  for (size_t i = 0; i < starts.size() && i < result.cells.size(); ++i)
+    result.cells[i].plain = starts[i].plain;
+  return result;
+}
+
+//===--- The faults --------------------------------------------------------===//
+
+bool IsLetter(char theCharacter) {
+  return (theCharacter >= 'a' && theCharacter <= 'z') || (theCharacter >= 'A' && theCharacter <= 'Z');
+}
+bool IsDigit(char theCharacter) { return theCharacter >= '0' && theCharacter <= '9'; }
+bool IsWordCharacter(char theCharacter) { return IsLetter(theCharacter) || IsDigit(theCharacter); }
+
+/// The pairs of words on either side of a raw line break inside a string
+/// literal of the source, written together ("copy" + "of" gives "copyof").
+std::set<std::string> WordsAcrossStringLineBreaks(const std::string& theSource) {
+  std::set<std::string> glued;
+  bool inString = false;
+  for (size_t i = 0; i < theSource.size(); ++i) {
+    char c = theSource[i];
+    if (!inString) {
+      if (c == '(' && i + 1 < theSource.size() && theSource[i + 1] == '*') {
+        size_t close = theSource.find("*)", i + 2);
+        i = close == std::string::npos ? theSource.size() : close + 1;
+      } else if (c == '"') {
+        inString = true;
+      }
+      continue;
+    }
+    if (c == '\\') {
+      ++i;
+    } else if (c == '"') {
+      inString = false;
+    } else if (c == '\n') {
+      size_t before = i > 0 && theSource[i - 1] == '\r' ? i - 1 : i;
+      size_t start = before;
+      while (start > 0 && IsLetter(theSource[start - 1]))
+        --start;
+      size_t end = i + 1;
+      while (end < theSource.size() && IsLetter(theSource[end]))
+        ++end;
+      if (before - start >= 2 && end - i - 1 >= 2 && (start == 0 || theSource[start - 1] != '\\'))
+        glued.insert(theSource.substr(start, before - start) + theSource.substr(i + 1, end - i - 1));
+    }
+  }
+  return glued;
+}
+
+/// The maximal runs of letters and digits of a text.
+std::unordered_set<std::string> Words(const std::string& theText) {
+  std::unordered_set<std::string> words;
+  for (size_t i = 0; i < theText.size();) {
+    if (!IsWordCharacter(theText[i])) {
+      ++i;
+      continue;
+    }
+    size_t end = i;
+    while (end < theText.size() && IsWordCharacter(theText[end]))
+      ++end;
+    words.insert(theText.substr(i, end - i));
+    i = end;
+  }
+  return words;
+}
+
+/// The names of the settings of the source: capitalised names of six
+/// letters or more in front of "->" or ":>".
+std::set<std::string> SettingNames(const std::string& theSource) {
+  std::set<std::string> names;
+  for (size_t at = theSource.find('>'); at != std::string::npos; at = theSource.find('>', at + 1)) {
+    if (at < 2 || (theSource[at - 1] != '-' && theSource[at - 1] != ':'))
+      continue;
+    size_t end = at - 1;
+    while (end > 0 && (theSource[end - 1] == ' ' || theSource[end - 1] == '\n' || theSource[end - 1] == '\r'))
+      --end;
+    size_t start = end;
+    while (start > 0 && IsWordCharacter(theSource[start - 1]))
+      --start;
+    if (end - start >= 6 && theSource[start] >= 'A' && theSource[start] <= 'Z')
+      names.insert(theSource.substr(start, end - start));
+  }
+  return names;
+}
+
+/// Code debris in a cell's output: the escapes \n, \t and \" inside a
+/// quoted string (a string shown as code: "x\ny"), and numbers with a
+/// precision mark (digits then a backquote, not part of a name such as
+/// Package1`). A backslash of the text itself, as in a path C:\temp or a
+/// log's \toks, is no escape; an escaped backslash "\\" is none either.
+int CountDebris(const std::string& theText, std::vector<std::string>* theSamples) {
+  int count = 0;
+  auto note = [&](size_t theAt) {
+    if (count++ == 0 && theSamples->size() < 3)
+      theSamples->push_back(theText.substr(theAt < 20 ? 0 : theAt - 20, 40));
+  };
+  bool quoted = false;
+  for (size_t i = 0; i + 1 < theText.size(); ++i) {
+    char c = theText[i];
+    char next = theText[i + 1];
+    if (c == '\n') {
+      quoted = false;
+    } else if (c == '"') {
+      quoted = !quoted;
+    } else if (c == '\\') {
+      if (quoted && (next == 'n' || next == 't' || next == '"'))
+        note(i);
+      ++i;
+    } else if (next == '`' && IsDigit(c)) {
+      size_t start = i;
+      while (start > 0 && (IsDigit(theText[start - 1]) || theText[start - 1] == '.'))
+        --start;
+      if (start == 0 || !(IsLetter(theText[start - 1]) || theText[start - 1] == '$' || theText[start - 1] == '`'))
+        note(i);
+    }
+  }
+  return count;
+}
+
+/// theText with each "&quot;" of HTML as the quote it stands for.
+std::string WithQuotes(std::string theText) {
+  for (size_t at = theText.find("&quot;"); at != std::string::npos; at = theText.find("&quot;", at + 1))
+    theText.replace(at, 6, "\"");
+  return theText;
+}
+
+/// The names that recent notebooks use beyond the named table: operators,
+/// and Latin letters with marks ("ZHacek", "CapitalRHacek").
+bool IsLeftoverName(const std::string& theName) {
+  static const std::set<std::string> operators = {"LeftAssociation", "RightAssociation", "TwoWayRule",
+                                                  "UndirectedEdge",  "DirectedEdge",     "Function",
+                                                  "TensorProduct",   "Equivalent"};
+  static const std::set<std::string> marks = {"Grave", "Acute", "Hat", "Tilde", "DoubleDot", "Ring",
+                                              "Cedilla", "Bar", "Cup", "Hacek", "DoubleAcute"};
+  if (operators.count(theName))
+    return true;
+  size_t letter = theName.compare(0, 7, "Capital") == 0 ? 7 : 0;
+  return theName.size() > letter + 1 && theName[letter] >= 'A' && theName[letter] <= 'Z' &&
+         marks.count(theName.substr(letter + 1));
+}
+
+bool IsCodeStyle(const std::string& theStyle) {
+  return theStyle == "Input" || theStyle == "InputOnly" || theStyle == "Code";
+}
+
+enum Fault { kGluedWords, kNestedCells, kSettingsInWords, kDebris, kLeftoverNames, kIndentedCells, kFaultCount };
+const char* const kFaultNames[kFaultCount] = {"words glued across a line break", "cells nested or badly named",
+                                              "settings run into words", "code debris outside code",
+                                              "names left as escapes", "cells starting indented"};
+
+struct Tally {
+  int counts[kFaultCount] = {};
+  /// Per fault, the files that have it and a few samples.
+  std::map<std::string, std::vector<std::string>> where[kFaultCount];
+  void add(Fault theFault, const std::string& theFile, int theCount, const std::vector<std::string>& theSamples) {
+    if (theCount == 0)
+      return;
+    counts[theFault] += theCount;
+    auto& samples = where[theFault][theFile + " (" + std::to_string(theCount) + ")"];
+    samples.insert(samples.end(), theSamples.begin(), theSamples.end());
+  }
+};
+
+void Measure(const std::string& theFile, const std::string& theSource, const Rendering& theRendering, bool theIsHTML,
+             Tally* theTally) {
+  const std::string& out = theRendering.out;
+  const auto outWords = Words(out);
+  const auto sourceWords = Words(theSource);
+
+  std::vector<std::string> samples;
+  int count = 0;
+  for (const std::string& pair : WordsAcrossStringLineBreaks(theSource)) {
+    if (outWords.count(pair) && theSource.find(pair) == std::string::npos && ++count <= 3)
+      samples.push_back(pair);
+  }
+  theTally->add(kGluedWords, theFile, count, samples);
+
+  if (theIsHTML) {
+    samples.clear();
+    count = 0;
+    for (const auto& cell : theRendering.cells) {
+      // A cell's div closes before the next one opens, and its class is a
+      // plain style name.
+      bool plain = true;
+      for (char c : cell.style)
+        plain = plain && (IsWordCharacter(c) || c == '-' || c == '_');
+      size_t firstClose = cell.text.find("</div>");
+      size_t innerOpen = cell.text.find("<div", 4);
+      if (!plain || (innerOpen != std::string::npos && (firstClose == std::string::npos || innerOpen < firstClose))) {
+        if (++count <= 3)
+          samples.push_back(cell.text.substr(0, 60));
+      }
+    }
+    theTally->add(kNestedCells, theFile, count, samples);
+  }
+
+  samples.clear();
+  count = 0;
+  const std::set<std::string> settings = SettingNames(theSource);
+  for (const std::string& word : outWords) {
+    if (word.size() <= 6 || sourceWords.count(word))
+      continue;
+    for (const std::string& name : settings) {
+      if (word.size() > name.size() && word.find(name) != std::string::npos) {
+        if (++count <= 3)
+          samples.push_back(word);
+        break;
+      }
+    }
+  }
+  theTally->add(kSettingsInWords, theFile, count, samples);
+
+  samples.clear();
+  count = 0;
+  int indented = 0;
+  std::vector<std::string> indentSamples;
+  for (const auto& cell : theRendering.cells) {
+    if (!IsCodeStyle(cell.style) && !cell.plain)
+      count += CountDebris(theIsHTML ? WithQuotes(cell.text) : cell.text, &samples);
+    // Tabs of the cell's own text are its own; brackets left open by an
+    // earlier cell must not indent it.
+    if (cell.indent > 0 && ++indented <= 3)
+      indentSamples.push_back(cell.style + " at level " + std::to_string(cell.indent) + ": " + cell.text.substr(0, 40));
+  }
+  theTally->add(kDebris, theFile, count, samples);
+  if (theIsHTML) {
+    // The div of a cell is at the start of its line.
+    for (size_t at = out.find("\n\t"); at != std::string::npos; at = out.find("\n\t", at + 1)) {
+      size_t text = out.find_first_not_of('\t', at + 1);
+      if (text != std::string::npos && out.compare(text, 12, "<div class=\"") == 0 && ++indented <= 3)
+        indentSamples.push_back(out.substr(at + 1, 40));
+    }
+  }
+  theTally->add(kIndentedCells, theFile, indented, indentSamples);
+
+  samples.clear();
+  count = 0;
+  for (size_t at = out.find("\\["); at != std::string::npos; at = out.find("\\[", at + 1)) {
+    size_t close = out.find(']', at);
+    if (close != std::string::npos && close - at < 40 && IsLeftoverName(out.substr(at + 2, close - at - 2)) &&
+        ++count <= 3)
+      samples.push_back(out.substr(at, close + 1 - at));
+  }
+  theTally->add(kLeftoverNames, theFile, count, samples);
+}
+
+void Report(const char* theRenderer, const Tally& theTally) {
+  std::printf("%s:\n", theRenderer);
+  for (int fault = 0; fault < kFaultCount; ++fault) {
+    std::printf("  %-34s %6d\n", kFaultNames[fault], theTally.counts[fault]);
+    for (const auto& [file, samples] : theTally.where[fault]) {
+      std::printf("      %s", file.c_str());
+      for (const std::string& sample : samples)
+        std::printf(" | %s", sample.c_str());
+      std::printf("\n");
+    }
+  }
+}
+
+TEST(CorpusReadabilityTest, RealNotebooksReadAsTheirPagesDo) {
+  if (ZnTest::ReadCorpusManifest().empty())
+    GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
+  Tally text;
+  Tally html;
+  for (const ZnTest::CorpusFile& file : ZnTest::ReadCorpusManifest()) {
+    if (file.era == "ancient")
+      continue;
+    const std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
+    const std::string source = ZnTest::ReadFile(path);
+    Measure(file.name, source, RenderText(path), false, &text);
+    Measure(file.name, source, RenderHTML(path), true, &html);
+  }
+  Report("text", text);
+  Report("html", html);
+  for (int fault = 0; fault < kFaultCount; ++fault) {
+    EXPECT_EQ(text.counts[fault], 0) << "text: " << kFaultNames[fault];
+    EXPECT_EQ(html.counts[fault], 0) << "html: " << kFaultNames[fault];
+  }
+}
+} // namespace
