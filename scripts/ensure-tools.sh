@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the tools a build needs when the machine lacks them (Debian, as root).
-# Usage: scripts/ensure-tools.sh [native] [cross] [package]
+# Usage: scripts/ensure-tools.sh [native] [cross] [package] [batch]
 set -euo pipefail
 
 need=()
@@ -22,7 +22,15 @@ for what in "${@:-native}"; do
       ;;
     package)
       want dpkg-shlibdeps dpkg-dev
+      want file file          # cpack's Debian generator reads binaries with it
       want man man-db
+      ;;
+    batch)
+      # The batch job runs on Debian's own Python with its Dask and tqdm.
+      want /usr/bin/python3 python3
+      /usr/bin/python3 -c 'import distributed, tqdm' >/dev/null 2>&1 ||
+        need+=(python3-distributed python3-tqdm)
+      want parallel parallel
       ;;
     *) echo "ensure-tools: unknown set '$what'" >&2; exit 2 ;;
   esac

@@ -26,7 +26,7 @@ need() {
 prepare_words() {
   [ -x "$NBTEXT" ] || fail "$NBTEXT is not built (run make test first)"
   [ -f "$CORPUS/MANIFEST.tsv" ] || skip "no corpus at $CORPUS"
-  command -v python3 >/dev/null 2>&1 || skip "python3 is missing"
+  need python3 python3
   WORK=$(mktemp -d "${TMPDIR:-/tmp}/nbtext-index.XXXXXX")
   [ -n "${KEEP_WORK:-}" ] && echo "Work folder: $WORK" || trap 'rm -rf "$WORK"' EXIT
   $WORDS prepare "$NBTEXT" "$CORPUS" "$WORK" || fail "could not choose the words"
