@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # CI after the builds: the manual page renders cleanly; the Debian package
 # builds, holds no build path, installs with dpkg, runs on the sample and
-# removes cleanly; Recoll and omindex index the corpus through nbtext.
+# removes cleanly; Recoll and omindex index the corpus through nbtext; the
+# batch jobs convert the corpus as nbtext does alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -45,3 +46,5 @@ echo "=== Recoll"
 tests/integration/recoll.sh
 echo "=== Xapian Omega (omindex)"
 tests/integration/omindex.sh
+echo "=== batch jobs: Dask and GNU parallel"
+tests/integration/batch.sh

@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# The batch jobs over the corpus: scripts/nbtext-batch.py on a local Dask
+# cluster of two worker processes (whole, with a worker killed while it works,
+# resumed, and with the notebooks sent to the workers), and the GNU parallel
+# recipe; every text must be what nbtext writes on its own.
+. "$(dirname "$0")/common.sh"
+[ -x "$NBTEXT" ] || fail "$NBTEXT is not built (run make test first)"
+[ -f "$CORPUS/MANIFEST.tsv" ] || skip "no corpus at $CORPUS"
+"$ROOT/scripts/ensure-tools.sh" batch
+BATCH="$ROOT/scripts/nbtext-batch.py"
+CHECK="/usr/bin/python3 $ROOT/tests/integration/batch_check.py"
+WORK=$(mktemp -d "${TMPDIR:-/tmp}/nbtext-batch.XXXXXX")
+trap 'rm -rf "$WORK"' EXIT
+# A copy of the corpus, so that a notebook can be touched.
+cp -r "$CORPUS" "$WORK/in"
+files=$(find "$WORK/in" -name '*.nb' | wc -l)
+refused=$(awk -F'\t' '$3 == "ancient"' "$CORPUS/MANIFEST.tsv" | wc -l)
+
+echo "--- Dask, 2 workers: $files notebooks"
+"$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the batch job failed"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/out" || fail "the batch job's records are wrong"
+$CHECK summary "$WORK/out" files="$files" refused="$refused" failed=0 up_to_date=0 ||
+  fail "the summary is wrong"
+
+echo "--- resumed: nothing to convert, then one touched notebook"
+"$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the second run failed"
+$CHECK summary "$WORK/out" up_to_date="$files" converted=0 refused=0 || fail "the second run converted again"
+touch "$WORK/in/$(awk -F'\t' '$3 == "recent" { print $1; exit }' "$CORPUS/MANIFEST.tsv")"
+"$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the third run failed"
+$CHECK summary "$WORK/out" up_to_date=$((files - 1)) converted=1 || fail "the touched notebook was not converted alone"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/out" || fail "the records after resuming are wrong"
+
+echo "--- Dask, 2 workers, one killed while it converts"
+# Each conversion goes through a wrapper that waits a little first, so that a
+# worker is surely busy when its process is killed: the wrapper's parent.
+cat >"$WORK/slow-nbtext" <<WRAP
+#!/bin/sh
+sleep 0.05
+exec "$NBTEXT" "\$@"
+WRAP
+chmod +x "$WORK/slow-nbtext"
+"$BATCH" "$WORK/in" "$WORK/killed" --workers 2 --nbtext "$WORK/slow-nbtext" --batch-files 4 --quiet &
+job=$!
+victim=
+for _ in $(seq 400); do
+  wrapper=$(pgrep -f -n "^/bin/sh $WORK/slow-nbtext" || true)
+  if [ -n "$wrapper" ]; then
+    victim=$(ps -o ppid= -p "$wrapper" | tr -d ' ')
+    [ -n "$victim" ] && grep -q python "/proc/$victim/cmdline" 2>/dev/null && kill -9 "$victim" && break
+    victim=
+  fi
+  sleep 0.02
+done
+wait $job || fail "the batch job failed after a worker was killed"
+[ -n "$victim" ] || fail "no worker was seen converting, none was killed"
+echo "killed worker process $victim"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/killed" || fail "the records are wrong after a worker was killed"
+
+echo "--- Dask, HTML, notebooks sent to the workers"
+"$BATCH" "$WORK/in" "$WORK/html" --html --send-files --workers 2 --nbtext "$NBTEXT" --quiet ||
+  fail "the HTML batch job failed"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/html" -html || fail "the HTML records are wrong"
+
+echo "--- GNU parallel, 2 jobs"
+status=0
+NBTEXT=$NBTEXT "$ROOT/scripts/nbtext-parallel.sh" "$WORK/in" "$WORK/parallel" -j 2 || status=$?
+[ "$status" = "$refused" ] || fail "parallel exited with $status, expected $refused (the refused notebooks)"
+$CHECK files "$NBTEXT" "$WORK/in" "$WORK/parallel" txt || fail "the parallel recipe's texts are wrong"
+[ "$(awk 'NR > 1 && $7 == 255' "$WORK/parallel/joblog" | wc -l)" = "$refused" ] ||
+  fail "the job log does not record the refused notebooks"
+echo "batch jobs ok"
