@@ -15,6 +15,7 @@ for what in "${@:-native}"; do
       want make make
       want bison bison
       [ -f /usr/src/googletest/CMakeLists.txt ] || need+=(googletest)
+      want python3 python3    # checks the committed name tables against the generator
       ;;
     cross)
       want arm-linux-gnueabihf-g++ g++-arm-linux-gnueabihf
