@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The batch jobs over the corpus: scripts/nbtext-batch.py on a local Dask
 # cluster of two worker processes (whole, with a worker killed while it works,
-# resumed, and with the notebooks sent to the workers), and the GNU parallel
-# recipe; every text must be what nbtext writes on its own.
+# resumed, and with the notebooks sent to the workers), on a running cluster
+# started with dask scheduler and dask worker, and the GNU parallel recipe;
+# every text must be what nbtext writes on its own.
 . "$(dirname "$0")/common.sh"
 [ -x "$NBTEXT" ] || fail "$NBTEXT is not built (run make test first)"
 [ -f "$CORPUS/MANIFEST.tsv" ] || skip "no corpus at $CORPUS"
@@ -60,6 +61,19 @@ echo "--- Dask, HTML, notebooks sent to the workers"
 "$BATCH" "$WORK/in" "$WORK/html" --html --send-files --workers 2 --nbtext "$NBTEXT" --quiet ||
   fail "the HTML batch job failed"
 $CHECK records "$NBTEXT" "$WORK/in" "$WORK/html" -html || fail "the HTML records are wrong"
+
+echo "--- Dask, a running cluster: dask scheduler and dask worker, as docs/scale-out.md starts them"
+port=$(/usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+(cd "$WORK" && exec dask scheduler --host 127.0.0.1 --port "$port" --no-dashboard >"$WORK/scheduler.log" 2>&1) &
+scheduler=$!
+(cd "$WORK" && exec dask worker "tcp://127.0.0.1:$port" --nworkers 2 --nthreads 1 --no-dashboard >"$WORK/worker.log" 2>&1) &
+workers=$!
+trap 'kill $scheduler $workers 2>/dev/null || true; wait; rm -rf "$WORK"' EXIT
+"$BATCH" "$WORK/in" "$WORK/cluster" --scheduler "tcp://127.0.0.1:$port" --nbtext "$NBTEXT" --quiet ||
+  { tail "$WORK/scheduler.log" "$WORK/worker.log"; fail "the batch job on a running cluster failed"; }
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/cluster" || fail "the records from a running cluster are wrong"
+kill $workers $scheduler
+wait $workers $scheduler || true
 
 echo "--- GNU parallel, 2 jobs"
 status=0
