@@ -4,6 +4,7 @@
 #include "Kx/KxNumber.h"
 #include "Kx/KxString.h"
 #include "KxExprGrammar.hpp"
+#include "Zn/Base/ZnObjectHeap.h"
 #include "Zn/IO/ZnReader.h"
 
 namespace Zn::Kx {
@@ -57,6 +58,8 @@ int ExprParser::run(Lexer* theLexer) {
 }
 
 Expr* ExprParser::parse() {
+  // The tree's many small objects come from large blocks while it is built.
+  ObjectHeap::Scope scope;
   Lexer lexer(this, reader_.get(), 0);
   if (run(&lexer) != 0)
     return nullptr;

@@ -4,6 +4,7 @@
 #include "Kx/KxPrinter.h"
 #include "Kx/KxSymbol.h"
 #include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnObjectHeap.h"
 #include "Zn/Collection/ZnArray.h"
 #include <new>
 
@@ -77,7 +78,7 @@ Function::Function(Expr* theHead, const Array* theArguments) {
 
 Function* Function::allocate(ZnIndex theLength) {
   static_assert(sizeof(Function) % alignof(Expr*) == 0, "the parts follow the object");
-  void* memory = Allocate(sizeof(Function) + Sys::size_t(theLength + 1) * sizeof(Expr*));
+  void* memory = AllocateObject(sizeof(Function) + Sys::size_t(theLength + 1) * sizeof(Expr*));
   Function* function = ::new (memory) Function();
   function->parts_ = function->inlineParts();
   function->length_ = theLength;

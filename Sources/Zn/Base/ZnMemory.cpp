@@ -29,6 +29,8 @@ void Free(void* theMemory) {
 
 uint64_t GetTotalAllocated() { return sTotalAllocated; }
 
+void NoteAllocated(Sys::size_t theSize) { sTotalAllocated += theSize; }
+
 void MoveMemory(const void* theSrc, void* theDest, Sys::size_t theSize) {
   ZnAssert((theSize == 0) || (theDest != NULL), 0);
   ZnAssert((theSize == 0) || (theSrc != NULL), 0);

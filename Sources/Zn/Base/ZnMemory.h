@@ -12,8 +12,11 @@ void* AllocateZeroed(Sys::size_t theSize);
 void* Reallocate(void* theMemory, Sys::size_t theSize);
 /// free; null is ignored.
 void Free(void* theMemory);
-/// Bytes handed out by Allocate so far (never decreases).
+/// Bytes handed out so far (never decreases): by Allocate and by
+/// AllocateObject, whether an object came from malloc or from a block.
 uint64_t GetTotalAllocated();
+/// Adds to that total the bytes of memory handed out without Allocate.
+void NoteAllocated(Sys::size_t theSize);
 
 /// Note the order: source first, then destination.
 void MoveMemory(const void* theSrc, void* theDest, Sys::size_t theSize);

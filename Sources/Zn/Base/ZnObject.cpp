@@ -2,6 +2,7 @@
 #include "Zn/Base/ZnObject.h"
 #include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnObjectHeap.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/IO/ZnWriter.h"
@@ -20,9 +21,9 @@ Object::~Object() {
 
 ZnIndex Object::getLiveObjectCount() { return sLiveObjects; }
 
-void* Object::operator new(Sys::size_t theSize) { return Allocate(theSize); }
+void* Object::operator new(Sys::size_t theSize) { return AllocateObject(theSize); }
 
-void Object::operator delete(void* theMemory) { Free(theMemory); }
+void Object::operator delete(void* theMemory) { FreeObject(theMemory); }
 
 // retain and release inspect objects that may already be dead (that is what
 // their poison checks are for), so the sanitizer's type check stays off here.

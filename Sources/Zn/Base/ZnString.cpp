@@ -3,6 +3,7 @@
 #include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnData.h"
 #include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnObjectHeap.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnStringEncoding.h"
 #include "Zn/IO/ZnWriter.h"
@@ -46,7 +47,7 @@ String* String::createWithCharacters(const ZnUnichar* theCharacters, ZnIndex the
   static_assert(sizeof(String) % alignof(ZnUnichar) == 0, "the characters follow the object");
   if (theLength <= 0)
     return new String();
-  void* memory = Allocate(sizeof(String) + Sys::size_t(theLength) * 2);
+  void* memory = AllocateObject(sizeof(String) + Sys::size_t(theLength) * 2);
   String* string = ::new (memory) String();
   string->characters_ = string->inlineCharacters();
   string->length_ = theLength;
