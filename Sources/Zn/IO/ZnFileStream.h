@@ -54,6 +54,8 @@ protected:
 private:
   static FilePointerStream* open(const char* thePath, const char* theMode, bool theReadable, bool theWritable);
 
+  static constexpr Sys::size_t kReadBufferSize = 65536;
+  char* readBuffer_ = nullptr;
   FILE* file_;
   int64_t position_ = 0;
   int64_t length_ = -1;
