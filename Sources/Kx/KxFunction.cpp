@@ -78,6 +78,7 @@ Function::Function(Expr* theHead, const Array* theArguments) {
 
 Function* Function::allocate(ZnIndex theLength) {
   static_assert(sizeof(Function) % alignof(Expr*) == 0, "the parts follow the object");
+  static_assert(sizeof(Function) == 3 * sizeof(void*) || sizeof(void*) == 4, "the count sits in Object's padding");
   void* memory = AllocateObject(sizeof(Function) + Sys::size_t(theLength + 1) * sizeof(Expr*));
   Function* function = ::new (memory) Function();
   function->parts_ = function->inlineParts();

@@ -45,6 +45,7 @@ String::String(const ZnUnichar* theCharacters, ZnIndex theLength) {
 String* String::createWithCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
   ZnAssert((theCharacters != NULL) || (theLength == 0), 0);
   static_assert(sizeof(String) % alignof(ZnUnichar) == 0, "the characters follow the object");
+  static_assert(sizeof(String) == 3 * sizeof(void*) || sizeof(void*) == 4, "the length sits in Object's padding");
   if (theLength <= 0)
     return new String();
   void* memory = AllocateObject(sizeof(String) + Sys::size_t(theLength) * 2);
