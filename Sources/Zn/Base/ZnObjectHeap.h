@@ -19,7 +19,7 @@ namespace Zn {
 class ObjectHeap {
 public:
   static constexpr Sys::size_t kBlockSize = Sys::size_t(2) << 20;
-  static constexpr Sys::size_t kLargest = 16384;
+  static constexpr Sys::size_t kLargest = 262144;
   /// Blocks made before the heap asks for huge pages: a small notebook's
   /// tree fits in them and then never pays for zeroing a 2 MB page.
   static constexpr int32_t kSmallPageBlocks = 2;
