@@ -5,7 +5,9 @@
 #      of work done once per character;
 #   2. a 10 KB notebook of the corpus: nbtext against `cat`, for the
 #      start-up cost;
-#   3. peak resident memory and time per megabyte at 1, 10 and 100 MB.
+#   3. peak resident memory at 1, 10 and 100 MB;
+#   4. linearity: one 1 MB notebook's cells repeated 10 and 100 times, so
+#      that the same material is measured at both sizes.
 # Usage: bench/run.sh [BUILD_DIR]   (default: build; run `make build` first)
 # The notebooks go to BUILD_DIR/bench-data (or $NBTEXT_BENCH_DATA) and are
 # reused by later runs. Timings are wall-clock medians: run it on a quiet
@@ -29,21 +31,38 @@ if [ ${#need[@]} -gt 0 ]; then
   DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "${need[@]}" >/dev/null
 fi
 
+SHARED=${NBTEXT_SHARED:-../shared}
+GENERATOR=$SHARED/tools/make-big-notebook.py
+[ -f "$GENERATOR" ] || { echo "bench: no generator at $GENERATOR (set NBTEXT_SHARED)" >&2; exit 2; }
 mkdir -p "$DATA"
-notebook() { # notebook MEGABYTES: the path of a notebook of that size
+converts() { "$NBTEXT" "$1" >/dev/null 2>&1 || { echo "bench: nbtext cannot convert $1" >&2; exit 1; }; }
+notebook() { # notebook MEGABYTES: the path of a notebook of that size, from the generator
   local file="$DATA/notebook-$1MB.nb"
-  if [ ! -s "$file" ]; then
-    python3 bench/make-notebook.py "$file" "$1" >&2
-    "$NBTEXT" "$file" >/dev/null 2>&1 || { echo "bench: nbtext cannot convert $file" >&2; exit 1; }
-  fi
+  [ -s "$file" ] || { python3 "$GENERATOR" "$file" "$1" >&2 && converts "$file"; }
+  echo "$file"
+}
+repeated() { # repeated TIMES: the 1 MB notebook's cells TIMES over, in one notebook
+  local file="$DATA/repeat-$1x1MB.nb"
+  [ -s "$file" ] || { python3 - "$MB1" "$file" "$1" <<'PY'
+import sys
+text = open(sys.argv[1], encoding="utf-8", errors="surrogateescape", newline="").read()
+head, tail = "Notebook[{\n", "\n}]\n"          # the generator's frame around its cells
+assert text.startswith(head) and text.endswith(tail), "unexpected generator output"
+cells = text[len(head):-len(tail)]
+with open(sys.argv[2], "w", encoding="utf-8", errors="surrogateescape", newline="") as f:
+    f.write(head + ",\n".join([cells] * int(sys.argv[3])) + tail)
+PY
+  converts "$file"; }
   echo "$file"
 }
 # The generator's smallest output is one corpus notebook's cells (200 KB):
 # the small file is a real notebook of the corpus, read in place.
-SMALL="$(python3 bench/make-notebook.py --corpus)/077-doc-reference-symbol-page.nb"
+SMALL="$SHARED/corpus/077-doc-reference-symbol-page.nb"
 MB1=$(notebook 1)
 MB10=$(notebook 10)
 MB100=$(notebook 100)
+REP10=$(repeated 10)
+REP100=$(repeated 100)
 
 # median SECONDS of each command in a hyperfine JSON export, one per line
 medians() { python3 -c 'import json,sys; [print(r["median"]) for r in json.load(open(sys.argv[1]))["results"]]' "$1"; }
@@ -63,7 +82,7 @@ bench --warmup 1 --runs 5 "wc -w $MB100" "$NBTEXT $MB100" "$NBTEXT -html $MB100"
 { read -r wc; read -r text; read -r html; } < <(medians "$JSON")
 printf '%-12s %8.3f s %6s MB/s\n' "wc -w" "$wc" "$(rate "$MB100" "$wc")" \
   "nbtext" "$text" "$(rate "$MB100" "$text")" "nbtext -html" "$html" "$(rate "$MB100" "$html")"
-echo "text / wc -w:  $(ratio "$text" "$wc")   (target <= 1.5)"
+echo "text / wc -w:  $(ratio "$text" "$wc")   (target <= 3)"
 echo "html / text:   $(ratio "$html" "$text")   (target <= 1.3)"
 echo
 echo "== 2. Start-up on $(basename "$SMALL") ($(stat -c %s "$SMALL") bytes)"
@@ -72,14 +91,19 @@ bench --warmup 20 --runs 300 "cat $SMALL" "$NBTEXT $SMALL"
 printf '%-12s %8.2f ms\n' "cat" "$(python3 -c "print($cat * 1e3)")" "nbtext" "$(python3 -c "print($small * 1e3)")"
 echo "nbtext / cat:  $(ratio "$small" "$cat")   (target <= 3)"
 echo
-echo "== 3. Memory and time per megabyte"
-printf '%-22s %12s %10s %10s %10s\n' notebook bytes "peak KB" "peak/size" "ms/MB"
+echo "== 3. Peak memory"
+printf '%-22s %12s %10s %10s\n' notebook bytes "peak KB" "peak/size"
 for file in "$MB1" "$MB10" "$MB100"; do
   size=$(stat -c %s "$file")
   kb=$(peak "$NBTEXT" "$file")
-  bench --warmup 1 --runs 5 "$NBTEXT $file"
-  seconds=$(medians "$JSON")
-  printf '%-22s %12d %10d %10s %10.1f\n' "$(basename "$file")" "$size" "$kb" \
-    "$(ratio "$((kb * 1024))" "$size")" "$(python3 -c "print($seconds * 1e3 / ($size / 1e6))")"
+  printf '%-22s %12d %10d %10s\n' "$(basename "$file")" "$size" "$kb" "$(ratio "$((kb * 1024))" "$size")"
 done
-echo "(targets: peak/size <= 3 at 100 MB; ms/MB within 20% from 1 to 100 MB)"
+echo "(target: peak/size <= 2 at 100 MB)"
+echo
+echo "== 4. Linearity: the same 1 MB of cells, 10 and 100 times"
+bench --warmup 1 --runs 5 "$NBTEXT $REP10" "$NBTEXT $REP100"
+{ read -r t10; read -r t100; } < <(medians "$JSON")
+ms10=$(python3 -c "print($t10 * 1e3 / ($(stat -c %s "$REP10") / 1e6))")
+ms100=$(python3 -c "print($t100 * 1e3 / ($(stat -c %s "$REP100") / 1e6))")
+printf '%-22s %10.1f ms/MB\n' "$(basename "$REP10")" "$ms10" "$(basename "$REP100")" "$ms100"
+echo "100x / 10x:    $(ratio "$ms100" "$ms10")   (target: within 20 %, 0.8 to 1.2)"
