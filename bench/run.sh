@@ -74,12 +74,40 @@ peak() { /usr/bin/time -f %M "$@" 2>&1 >/dev/null | tail -n 1; } # KB
 bench() { hyperfine -N --style basic --export-json "$JSON" "$@" >/dev/null 2>&1 || { echo "bench: hyperfine $* failed" >&2; exit 1; }; }
 JSON=$(mktemp)
 trap 'rm -f "$JSON"' EXIT
+# interleaved RUNS COMMAND...: the median wall-clock SECONDS of each command,
+# one per line, with the commands run in turn, RUNS rounds after one warm-up
+# round, in a new order each round. A virtual machine's speed drifts from one
+# second to the next, and a run that follows one which freed much memory pays
+# more for its own page faults; taking the commands in turn, in shuffled
+# order, lets both fall on all of them alike, so that their ratios hold where
+# consecutive batches of runs (hyperfine's way) would not.
+interleaved() {
+  python3 - "$@" <<'PY'
+import os, random, shlex, statistics, sys, time
+runs, commands = int(sys.argv[1]), [shlex.split(c) for c in sys.argv[2:]]
+order = random.Random(1)
+null = os.open(os.devnull, os.O_WRONLY)
+times = [[] for _ in commands]
+for round in range(runs + 1):
+    for i in order.sample(range(len(commands)), len(commands)):
+        argv = commands[i]
+        start = time.perf_counter()
+        pid = os.posix_spawnp(argv[0], argv, os.environ, file_actions=[
+            (os.POSIX_SPAWN_DUP2, null, 1), (os.POSIX_SPAWN_DUP2, null, 2)])
+        _, status = os.waitpid(pid, 0)
+        if round:
+            times[i].append(time.perf_counter() - start)
+        if os.waitstatus_to_exitcode(status) != 0:
+            sys.exit(f"bench: {shlex.join(argv)} failed")
+for t in times:
+    print(statistics.median(t))
+PY
+}
 
 echo "== machine: $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"
 echo
 echo "== 1. Throughput on $(basename "$MB100") ($(stat -c %s "$MB100") bytes)"
-bench --warmup 1 --runs 5 "wc -w $MB100" "$NBTEXT $MB100" "$NBTEXT -html $MB100"
-{ read -r wc; read -r text; read -r html; } < <(medians "$JSON")
+{ read -r wc; read -r text; read -r html; } < <(interleaved 7 "wc -w $MB100" "$NBTEXT $MB100" "$NBTEXT -html $MB100")
 printf '%-12s %8.3f s %6s MB/s\n' "wc -w" "$wc" "$(rate "$MB100" "$wc")" \
   "nbtext" "$text" "$(rate "$MB100" "$text")" "nbtext -html" "$html" "$(rate "$MB100" "$html")"
 echo "text / wc -w:  $(ratio "$text" "$wc")   (target <= 3)"
@@ -101,8 +129,7 @@ done
 echo "(target: peak/size <= 2 at 100 MB)"
 echo
 echo "== 4. Linearity: the same 1 MB of cells, 10 and 100 times"
-bench --warmup 1 --runs 5 "$NBTEXT $REP10" "$NBTEXT $REP100"
-{ read -r t10; read -r t100; } < <(medians "$JSON")
+{ read -r t10; read -r t100; } < <(interleaved 7 "$NBTEXT $REP10" "$NBTEXT $REP100")
 ms10=$(python3 -c "print($t10 * 1e3 / ($(stat -c %s "$REP10") / 1e6))")
 ms100=$(python3 -c "print($t100 * 1e3 / ($(stat -c %s "$REP100") / 1e6))")
 printf '%-22s %10.1f ms/MB\n' "$(basename "$REP10")" "$ms10" "$(basename "$REP100")" "$ms100"
