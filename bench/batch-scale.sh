@@ -55,6 +55,11 @@ measure() {
   seconds=$(awk -v a="$start" -v b="$EPOCHREALTIME" 'BEGIN { print b - a }')
   awk -v n="$name" -v f="$files" -v b="$bytes" -v s="$seconds" 'BEGIN {
     printf "| %-26s | %6d | %8.1f | %7.2f | %8.1f | %6.1f | %7.2f |\n", n, f, b / 1e6, s, f / s, b / 1e6 / s, 1000 * s / f }'
+  # The Dask job's summary tells how long the cluster took to start.
+  started=0
+  [ -f "$WORK/out/summary.json" ] &&
+    started=$(/usr/bin/python3 -c 'import json, sys; print(json.load(open(sys.argv[1]))["start_seconds"])' "$WORK/out/summary.json")
+  TIMES+=("$seconds $started")
   rm -rf "$WORK/out"
   mkdir -p "$WORK/out"
 }
@@ -64,11 +69,18 @@ header() {
   echo "|---|---:|---:|---:|---:|---:|---:|"
 }
 run_all() { # run_all IN
+  TIMES=()
   measure "nbtext, serial" "$1" loops "$1" "$WORK/out" 1
   measure "nbtext, 2 loops at once" "$1" loops "$1" "$WORK/out" 2
   measure "Dask job, 1 worker" "$1" "$ROOT/scripts/nbtext-batch.py" "$1" "$WORK/out" --workers 1 --nbtext "$NBTEXT" --quiet
   measure "Dask job, 2 workers" "$1" "$ROOT/scripts/nbtext-batch.py" "$1" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet
   measure "GNU parallel, -j 2" "$1" "$ROOT/scripts/nbtext-parallel.sh" "$1" "$WORK/out" -j 2
+  # Scaling: 2 against 1 of the same kind; for Dask, both with the cluster's
+  # start (paid once a run) and without it (the conversion itself).
+  awk -v l1="${TIMES[0]}" -v l2="${TIMES[1]}" -v d1="${TIMES[2]}" -v d2="${TIMES[3]}" 'BEGIN {
+    split(l1, a); split(l2, b); split(d1, c); split(d2, d)
+    printf "\nscaling, 2 against 1: shell loops %.2f x; Dask %.2f x, or %.2f x without the cluster'"'"'s start (%.2f s and %.2f s)\n",
+      a[1] / b[1], c[1] / d[1], (c[1] - c[2]) / (d[1] - d[2]), c[2], d[2] }'
 }
 
 echo "$(nproc) cores; the corpus $copies times over"

@@ -21,10 +21,12 @@ import itertools
 import json
 import os
 import shutil
+import signal
 import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import warnings
 
@@ -52,7 +54,52 @@ def ensure_modules():
 
 # --- What runs on the workers --------------------------------------------
 
-def convert_one(exe, options, item, timeout):
+class Watchdog:
+    """Kills the nbtext process of a batch that runs past the timeout.
+
+    One thread for a whole batch, looking once a second: subprocess's own
+    timeout makes the wait for every process a loop of short sleeps, which
+    cost about a millisecond a notebook, a sixth of the work on the corpus.
+    """
+
+    def __init__(self, timeout):
+        self.timeout = timeout
+        self.lock = threading.Lock()
+        self.process, self.started, self.fired = None, 0.0, False
+        self.stopped = threading.Event()
+        threading.Thread(target=self.watch, daemon=True).start()
+
+    def watch(self):
+        while not self.stopped.wait(min(1.0, self.timeout)):
+            with self.lock:
+                if self.process is not None and time.monotonic() - self.started > self.timeout:
+                    # The whole group: whatever the process started goes too,
+                    # and with it the last holder of the output pipes.
+                    try:
+                        os.killpg(self.process.pid, signal.SIGKILL)
+                    except ProcessLookupError:
+                        pass
+                    self.fired = True
+
+    def run(self, argv):
+        """(status, stdout, stderr) of argv, or None when it was killed."""
+        process = subprocess.Popen(argv, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, start_new_session=True)
+        with self.lock:
+            self.process, self.started, self.fired = process, time.monotonic(), False
+        try:
+            stdout, stderr = process.communicate()
+        finally:
+            with self.lock:
+                self.process = None
+                fired = self.fired
+        return None if fired else (process.returncode, stdout, stderr)
+
+    def stop(self):
+        self.stopped.set()
+
+
+def convert_one(exe, options, item, watchdog):
     """Runs nbtext on one notebook and returns its record (without the timing)."""
     record = {"path": item["path"], "size": item["size"], "mtime_ns": item["mtime_ns"]}
     if exe is None:
@@ -71,23 +118,22 @@ def convert_one(exe, options, item, timeout):
                 pass
         except OSError as e:
             return dict(record, status=-1, output="", log=f"cannot read {item['path']}: {e.strerror}")
-        try:
-            run = subprocess.run([exe, *options, path], stdin=subprocess.DEVNULL,
-                                 capture_output=True, timeout=timeout)
-        except subprocess.TimeoutExpired:
-            return dict(record, status=-1, output="", log=f"nbtext took over {timeout} s")
+        run = watchdog.run([exe, *options, path])
+        if run is None:
+            return dict(record, status=-1, output="", log=f"nbtext took over {watchdog.timeout:g} s")
+        status, stdout, stderr = run
         # Standard error holds the "Converting FILE" announcement, then any log lines.
-        log = [line for line in run.stderr.decode("utf-8", "replace").splitlines()
+        log = [line for line in stderr.decode("utf-8", "replace").splitlines()
                if line and not line.startswith("Converting ")]
         log = "\n".join(log)
         if scratch:
             log = log.replace(path, item["path"])
         try:
-            output = run.stdout.decode("utf-8")
+            output = stdout.decode("utf-8")
         except UnicodeDecodeError:
-            output = run.stdout.decode("utf-8", "replace")
+            output = stdout.decode("utf-8", "replace")
             record["output_lossy"] = True
-        return dict(record, status=run.returncode, output=output, log=log)
+        return dict(record, status=status, output=output, log=log)
     finally:
         if scratch:
             shutil.rmtree(scratch, ignore_errors=True)
@@ -99,11 +145,15 @@ def convert_batch(nbtext, options, items, timeout):
     if exe is not None and not os.access(exe, os.X_OK):
         exe = None
     records = []
-    for item in items:
-        start = time.perf_counter()
-        record = convert_one(exe, options, item, timeout)
-        record["seconds"] = round(time.perf_counter() - start, 6)
-        records.append(record)
+    watchdog = Watchdog(timeout)
+    try:
+        for item in items:
+            start = time.perf_counter()
+            record = convert_one(exe, options, item, watchdog)
+            record["seconds"] = round(time.perf_counter() - start, 6)
+            records.append(record)
+    finally:
+        watchdog.stop()
     return records
 
 
@@ -289,9 +339,11 @@ def main():
     writer = ShardWriter(args.output, int(args.shard_mb * 1e6))
     seen = set()
     client = cluster = None
+    start_seconds = 0.0
     try:
         if todo:
             client, cluster = start_client(args)
+            start_seconds = time.perf_counter() - started
             threads = max(1, sum(client.nthreads().values()))
             batches = make_batches(todo, args.batch_files, int(args.batch_mb * 1e6))
             # A bounded window of tasks in flight keeps the client's memory flat
@@ -354,6 +406,7 @@ def main():
         "bytes_in": bytes_in,
         "bytes_out": bytes_out,
         "wall_seconds": round(wall, 3),
+        "start_seconds": round(start_seconds, 3),
         "files_per_second": round(len(todo) / wall, 2) if wall > 0 else None,
         "megabytes_per_second": round(bytes_in / 1e6 / wall, 3) if wall > 0 else None,
         "shards": writer.names,

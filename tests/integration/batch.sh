@@ -57,6 +57,25 @@ wait $job || fail "the batch job failed after a worker was killed"
 echo "killed worker process $victim"
 $CHECK records "$NBTEXT" "$WORK/in" "$WORK/killed" || fail "the records are wrong after a worker was killed"
 
+echo "--- Dask, a notebook over the timeout: recorded as failed, the run goes on"
+mkdir -p "$WORK/late"
+cp "$CORPUS/$(awk -F'\t' '$3 == "recent" { print $1; exit }' "$CORPUS/MANIFEST.tsv")" "$WORK/late/stuck.nb"
+cp "$CORPUS/$(awk -F'\t' '$3 == "recent" { print $1 }' "$CORPUS/MANIFEST.tsv" | sed -n 2p)" "$WORK/late/fine.nb"
+# The wrapper hangs on one notebook in a child of its own, which must die too.
+cat >"$WORK/stuck-nbtext" <<WRAP
+#!/bin/sh
+case "\$1" in *stuck.nb) sleep 60 ;; esac
+exec "$NBTEXT" "\$@"
+WRAP
+chmod +x "$WORK/stuck-nbtext"
+status=0
+started=$SECONDS
+"$BATCH" "$WORK/late" "$WORK/late-out" --workers 1 --nbtext "$WORK/stuck-nbtext" --timeout 1 --quiet || status=$?
+[ "$status" = 1 ] || fail "a run with a notebook over the timeout exited with $status, expected 1"
+[ $((SECONDS - started)) -lt 30 ] || fail "the notebook over the timeout was not stopped"
+$CHECK summary "$WORK/late-out" files=2 converted=1 failed=1 || fail "the summary of the run with a timeout is wrong"
+grep -q '"log": "nbtext took over 1 s"' "$WORK"/late-out/part-*.jsonl || fail "the timeout is not recorded"
+
 echo "--- Dask, HTML, notebooks sent to the workers"
 "$BATCH" "$WORK/in" "$WORK/html" --html --send-files --workers 2 --nbtext "$NBTEXT" --quiet ||
   fail "the HTML batch job failed"
