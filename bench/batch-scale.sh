@@ -79,7 +79,7 @@ run_all() { # run_all IN
   # start (paid once a run) and without it (the conversion itself).
   awk -v l1="${TIMES[0]}" -v l2="${TIMES[1]}" -v d1="${TIMES[2]}" -v d2="${TIMES[3]}" 'BEGIN {
     split(l1, a); split(l2, b); split(d1, c); split(d2, d)
-    printf "\nscaling, 2 against 1: shell loops %.2f x; Dask %.2f x, or %.2f x without the cluster'"'"'s start (%.2f s and %.2f s)\n",
+    printf "\nscaling, 2 against 1: shell loops %.2f x; Dask %.2f x, or %.2f x without starting the cluster (%.2f s and %.2f s)\n",
       a[1] / b[1], c[1] / d[1], (c[1] - c[2]) / (d[1] - d[2]), c[2], d[2] }'
 }
 

@@ -20,7 +20,6 @@ DATA=${NBTEXT_BENCH_DATA:-$BUILD/bench-data}
 
 [ -x "$NBTEXT" ] || { echo "bench: $NBTEXT is missing; run make build first" >&2; exit 2; }
 need=()
-command -v hyperfine >/dev/null 2>&1 || need+=(hyperfine)
 [ -x /usr/bin/time ] || need+=(time)
 command -v python3 >/dev/null 2>&1 || need+=(python3)
 if [ ${#need[@]} -gt 0 ]; then
@@ -64,23 +63,17 @@ MB100=$(notebook 100)
 REP10=$(repeated 10)
 REP100=$(repeated 100)
 
-# median SECONDS of each command in a hyperfine JSON export, one per line
-medians() { python3 -c 'import json,sys; [print(r["median"]) for r in json.load(open(sys.argv[1]))["results"]]' "$1"; }
 ratio() { python3 -c 'import sys; print(f"{float(sys.argv[1]) / float(sys.argv[2]):.2f}")' "$1" "$2"; }
 # megabytes (10^6 bytes) of FILE per SECONDS
 rate() { python3 -c 'import os,sys; print(f"{os.path.getsize(sys.argv[1]) / 1e6 / float(sys.argv[2]):.0f}")' "$1" "$2"; }
 peak() { /usr/bin/time -f %M "$@" 2>&1 >/dev/null | tail -n 1; } # KB
-# hyperfine's own notes (a slow first run) would only clutter the figures
-bench() { hyperfine -N --style basic --export-json "$JSON" "$@" >/dev/null 2>&1 || { echo "bench: hyperfine $* failed" >&2; exit 1; }; }
-JSON=$(mktemp)
-trap 'rm -f "$JSON"' EXIT
 # interleaved RUNS COMMAND...: the median wall-clock SECONDS of each command,
 # one per line, with the commands run in turn, RUNS rounds after one warm-up
 # round, in a new order each round. A virtual machine's speed drifts from one
 # second to the next, and a run that follows one which freed much memory pays
 # more for its own page faults; taking the commands in turn, in shuffled
 # order, lets both fall on all of them alike, so that their ratios hold where
-# consecutive batches of runs (hyperfine's way) would not.
+# consecutive batches of runs of one command would not.
 interleaved() {
   python3 - "$@" <<'PY'
 import os, random, shlex, statistics, sys, time
@@ -114,8 +107,7 @@ echo "text / wc -w:  $(ratio "$text" "$wc")   (target <= 3)"
 echo "html / text:   $(ratio "$html" "$text")   (target <= 1.3)"
 echo
 echo "== 2. Start-up on $(basename "$SMALL") ($(stat -c %s "$SMALL") bytes)"
-bench --warmup 20 --runs 300 "cat $SMALL" "$NBTEXT $SMALL"
-{ read -r cat; read -r small; } < <(medians "$JSON")
+{ read -r cat; read -r small; } < <(interleaved 300 "cat $SMALL" "$NBTEXT $SMALL")
 printf '%-12s %8.2f ms\n' "cat" "$(python3 -c "print($cat * 1e3)")" "nbtext" "$(python3 -c "print($small * 1e3)")"
 echo "nbtext / cat:  $(ratio "$small" "$cat")   (target <= 3)"
 echo

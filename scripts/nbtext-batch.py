@@ -342,8 +342,9 @@ def main():
     start_seconds = 0.0
     try:
         if todo:
+            joining = time.perf_counter()
             client, cluster = start_client(args)
-            start_seconds = time.perf_counter() - started
+            start_seconds = time.perf_counter() - joining
             threads = max(1, sum(client.nthreads().values()))
             batches = make_batches(todo, args.batch_files, int(args.batch_mb * 1e6))
             # A bounded window of tasks in flight keeps the client's memory flat
