@@ -27,40 +27,6 @@ TEST(AtomTextTest, TellsTextsMadeOfClosedStringLiterals) {
   }
 }
 
-TEST(AtomTextTest, FindsTheMarksOfNumbersOnly) {
-  struct Case {
-    const char* text;
-    int start, end; // -1: no mark
-  } cases[] = {
-      {"70.82400862821649`", 17, 18},
-      {"8.`", 2, 3},
-      {"1.5`20.*^-10", 3, 7},
-      {"3``12", 1, 5},
-      {"12`*^+3", 2, 3},
-      {".5`", 2, 3},
-      // Not numbers with a mark.
-      {"12", -1, -1},
-      {"`5", -1, -1},
-      {".`", -1, -1},
-      {"1.2.3`", -1, -1},
-      {"2`x", -1, -1},
-      {"2`3`", -1, -1},
-      {"1`*^", -1, -1},
-      {"x1`", -1, -1},
-  };
-  for (const Case& c : cases) {
-    std::u16string text = Units(c.text);
-    ZnIndex start = -1, end = -1;
-    bool found = AtomText::findNumberMark(reinterpret_cast<const ZnUnichar*>(text.data()), ZnIndex(text.size()),
-                                          &start, &end);
-    EXPECT_EQ(found, c.start >= 0) << c.text;
-    if (found && c.start >= 0) {
-      EXPECT_EQ(start, c.start) << c.text;
-      EXPECT_EQ(end, c.end) << c.text;
-    }
-  }
-}
-
 // Inside a run of linear syntax every number loses its mark; names and
 // tokens that merely hold a backquote keep theirs.
 TEST(AtomTextTest, DropsTheMarksOfEveryNumberInARun) {

@@ -1,8 +1,8 @@
 //===- CorpusReadabilityTest.cpp - The corpus reads as its pages do -------===//
 //
-// Counts, over every notebook of the corpus and in both renderers, the
-// faults that make real notebooks hard to read or search: words glued
-// across a string's line break, cells nested in cells, settings run into
+// Converts every notebook of the corpus with both renderers (each must
+// convert) and counts, in both outputs, the faults that make real notebooks
+// hard to read or search: words glued across a string's line break, cells nested in cells, settings run into
 // words, code debris in cells that are not code, names left as escapes and
 // cells that start indented. Each count must be zero; the table printed
 // first tells where a count comes from.
@@ -370,14 +370,17 @@ TEST(CorpusReadabilityTest, RealNotebooksReadAsTheirPagesDo) {
     GTEST_SKIP() << "no corpus at " NBTEXT_CORPUS_DIR;
   Tally text;
   Tally html;
+  int measured = 0;
   for (const ZnTest::CorpusFile& file : ZnTest::ReadCorpusManifest()) {
     if (file.era == "ancient")
       continue;
+    ++measured;
     const std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
     const std::string source = ZnTest::ReadFile(path);
     Measure(file.name, source, RenderText(path), false, &text);
     Measure(file.name, source, RenderHTML(path), true, &html);
   }
+  EXPECT_EQ(measured, 81);
   Report("text", text);
   Report("html", html);
   for (int fault = 0; fault < kFaultCount; ++fault) {

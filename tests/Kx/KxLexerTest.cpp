@@ -222,20 +222,3 @@ TEST_F(LexerTest, BoxModeSplitsRunsAndBoxOperators) {
   Check(cases, std::size(cases));
 }
 
-TEST_F(LexerTest, EveryTruncationEndsCleanly) {
-  // Cut anywhere, each construct yields its tokens and then the end, or
-  // KxUnknown after a refusal; nothing leaks and nothing is read past the end.
-  const char* texts[] = {
-      R"t("a\[Alpha]\.41\:0041\(x\^2\)b")t", "(* a (* b *) *)x", "16^^ff.8`20*^-3",
-      R"t(\(a\^b\%c\*F[\(x\)] "s"\))t", "x__h->#2&%%", R"t(f[{a,b},"\!\(y\)"]//g)t",
-      R"t(\(\*S[\(\[Omega]\), \(]\)]\))t",
-  };
-  for (const char* text : texts) {
-    std::string full = text;
-    for (size_t n = 0; n <= full.size(); ++n) {
-      SCOPED_TRACE(full.substr(0, n));
-      Lexed lexed = Lex(full.substr(0, n));
-      EXPECT_LE(lexed.codes.size(), full.size());
-    }
-  }
-}

@@ -1,40 +1,11 @@
-//===- KxNamedCharacterTableTest.cpp - The committed table and its lookups -===//
+//===- KxNamedCharacterTableTest.cpp - Lookups of the named tables ---------===//
 #include "Kx/KxEncoding.h"
 #include "Kx/KxNamedCharacterTable.h"
 #include "Support/ZnTestSupport.h"
-#include <fstream>
 #include <string>
 
 using namespace Zn;
 using namespace Zn::Kx;
-
-namespace {
-const char* const kTablePath = NBTEXT_SOURCE_DIR "/../shared/named-characters.tsv";
-} // namespace
-
-// The generated table must be the TSV, row for row, in the same order.
-TEST(NamedCharacterTableTest, CommittedTableMatchesTheSourceTable) {
-  std::ifstream tsv(kTablePath);
-  if (!tsv)
-    GTEST_SKIP() << kTablePath << " is not there; the committed table is not compared";
-  ZnIndex count = 0;
-  const NamedCharacter* rows = GetNamedCharacterRows(&count);
-  std::string line;
-  std::getline(tsv, line);
-  EXPECT_EQ(line, "code\tname");
-  ZnIndex row = 0;
-  while (std::getline(tsv, line)) {
-    if (line.empty())
-      continue;
-    ASSERT_LT(row, count) << "the TSV has more rows than the table";
-    size_t tab = line.find('\t');
-    ASSERT_NE(tab, std::string::npos) << line;
-    EXPECT_EQ(std::stoul(line.substr(0, tab), nullptr, 16), rows[row].code) << "row " << row;
-    EXPECT_EQ(line.substr(tab + 1), rows[row].name) << "row " << row;
-    ++row;
-  }
-  EXPECT_EQ(row, count) << "the table has more rows than the TSV";
-}
 
 // Every name finds its own code point and every code point its own name,
 // which also proves that no two rows share either; near misses find nothing.
