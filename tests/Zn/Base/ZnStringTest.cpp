@@ -21,15 +21,6 @@ std::string Format(const char* theFormat, ...) {
 }
 } // namespace
 
-TEST_F(StringTest, GrowthDoublesFromOneToTheNeededLength) {
-  auto s = adopt(new MutableString());
-  for (auto [piece, capacity] : {std::pair{"abc", 4}, {"de", 8}, {"fghijklmnopq", 32}}) {
-    s->appendCString(piece);
-    EXPECT_EQ(s->capacity(), capacity) << piece;
-  }
-  EXPECT_EQ(ZnTest::Utf8(s.get()), "abcdefghijklmnopq");
-}
-
 // A string whose units live in its own block is like any other string.
 TEST_F(StringTest, StringsInOneBlockCompareAndCopyLikeAnyOther) {
   const ZnUnichar units[] = {'n', 0x00E9, 'b'};

@@ -27,19 +27,6 @@ Ref<MutableArray> Letters(const char* theLetters) {
 }
 } // namespace
 
-TEST_F(ArrayTest, AppendingDoublesCapacityFromOne) {
-  auto array = adopt(new MutableArray());
-  auto s = Str("x");
-  const ZnIndex expected[] = {1, 2, 4, 4, 8, 8, 8, 8, 16};
-  for (ZnIndex capacity : expected) {
-    array->addObject(s.get());
-    EXPECT_EQ(array->getCapacity(), capacity) << "count " << array->getCount();
-  }
-  auto sized = adopt(new MutableArray(array.get(), 3));
-  EXPECT_EQ(sized->getCapacity(), 12);
-  EXPECT_EQ(sized->getCount(), 9);
-}
-
 TEST_F(ArrayTest, ContainersCountTheirReferences) {
   auto a = Str("a");
   auto b = Str("b");
