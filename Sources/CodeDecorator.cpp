@@ -112,7 +112,7 @@ template <class Change> Expr* mapArguments(Expr* theBox, ZnIndex theFirst, Chang
       break;
   }
   if (i > count)
-    return static_cast<Expr*>(theBox->retain());
+    return Zn::retained(theBox).leak();
   auto copy = adopt(new Zn::Kx::MutableFunction(2, theBox->head()));
   for (ZnIndex j = 1; j < i; ++j)
     copy->appendArgument(theBox->part(j), true);
@@ -143,12 +143,12 @@ Expr* CodeDecorator::decorate(Expr* theBox) {
       return styled(theBox, marks_.italic.get(), marks_.commentColor.get());
     if (text && isQuotedText(text))
       return styled(theBox, marks_.stringColor.get());
-    return static_cast<Expr*>(theBox->retain());
+    return Zn::retained(theBox).leak();
   }
   Expr* head = theBox->head();
   if (Dynamic.matches(head) || DynamicBox.matches(head) || GraphicsBox.matches(head) ||
       Graphics3DBox.matches(head))
-    return static_cast<Expr*>(theBox->retain());
+    return Zn::retained(theBox).leak();
   if (RowBox.matches(head) && theBox->length() >= 1 && isList(theBox->part(1)))
     return decorateRow(theBox);
   return mapArguments(theBox, 1, [this](Expr* theArgument) { return decorate(theArgument); });
@@ -201,7 +201,7 @@ Expr* CodeDecorator::decorateRow(Expr* theRow) {
     result->appendArgument(decorated, false);
   }
   if (!changed)
-    return static_cast<Expr*>(theRow->retain());
+    return Zn::retained(theRow).leak();
   return rowLike(theRow, result.get());
 }
 
@@ -213,7 +213,7 @@ Expr* CodeDecorator::decorateScope(Expr* theArguments, bool theVariablesFirst) {
   ZnIndex position = 0;
   auto marked = mapArguments(items, 1, [&](Expr* theItem) {
     if (isItem(theItem, marks_.comma))
-      return static_cast<Expr*>(theItem->retain());
+      return Zn::retained(theItem).leak();
     ++position;
     if (theVariablesFirst && position == 1)
       return markVariables(theItem, false);
@@ -223,7 +223,7 @@ Expr* CodeDecorator::decorateScope(Expr* theArguments, bool theVariablesFirst) {
   });
   auto list = adopt(marked);
   if (list.get() == items)
-    return static_cast<Expr*>(theArguments->retain());
+    return Zn::retained(theArguments).leak();
   return rowLike(theArguments, list.get());
 }
 
@@ -240,7 +240,7 @@ Expr* CodeDecorator::markVariables(Expr* theList, bool theIterator) {
     ZnIndex position = 0;
     auto list = adopt(mapArguments(items, 1, [&](Expr* theItem) {
       if (isItem(theItem, marks_.comma))
-        return static_cast<Expr*>(theItem->retain());
+        return Zn::retained(theItem).leak();
       ++position;
       // An iterator names its variable first; a variable list names one in
       // every place.
@@ -253,7 +253,7 @@ Expr* CodeDecorator::markVariables(Expr* theList, bool theIterator) {
     marked = adopt(markVariable(inner));
   }
   if (marked.get() == inner)
-    return static_cast<Expr*>(theList->retain());
+    return Zn::retained(theList).leak();
   auto braces = adopt(new Function(HeadSymbol(Head::List), theList->partOfPart(1, 1), marked.get(),
                                    theList->partOfPart(1, 3)));
   return rowLike(theList, braces.get());
@@ -283,6 +283,6 @@ Expr* DecorateCodeCell(Expr* theCell) {
   CodeDecorator decorator;
   ZnIndex position = 0;
   return mapArguments(theCell, 1, [&](Expr* theArgument) {
-    return ++position == 1 ? decorator.decorate(theArgument) : static_cast<Expr*>(theArgument->retain());
+    return ++position == 1 ? decorator.decorate(theArgument) : Zn::retained(theArgument).leak();
   });
 }

@@ -9,14 +9,13 @@ class String;
 } // namespace Zn
 
 /// The symbols against which the notebook walk compares box heads, cell
-/// styles and option names (always with isEqual). They are made before main
-/// runs, in the order declared here, and released at exit in the reverse
-/// order. Each is named after the symbol it holds; `Embedded` holds the
-/// symbol "(Embedded)".
+/// styles and option names (always with isEqual), all listed in
+/// IndexerVocabulary.def. They are made before main runs, in the order of
+/// that list, and released at exit in the reverse order.
 namespace Vocabulary {
 
 /// One symbol of the vocabulary, held by an owning reference, with its hash
-/// kept so that the dispatcher can rule out most heads by an integer compare
+/// kept so that a comparison can rule out most heads by an integer compare
 /// before it asks isEqual (equal objects hash alike).
 class Word {
 public:
@@ -28,6 +27,7 @@ public:
   Zn::Kx::Symbol* get() const { return symbol_.get(); }
   Zn::Kx::Symbol* operator->() const { return symbol_.get(); }
   uint32_t getHash() const { return hash_; }
+  const char* getName() const { return name_; }
 
   /// Whether theExpr (which may be null) is this symbol.
   bool matches(const Zn::Kx::Expr* theExpr) const;
@@ -37,64 +37,37 @@ public:
   }
   /// Whether theExpr (which may be null) is a compound whose head is this symbol.
   bool isHeadOf(const Zn::Kx::Expr* theExpr) const;
-  /// Whether theText spells this symbol's name (cell styles are strings).
-  bool isNameOf(const Zn::String* theText) const;
+  /// Whether theText (which may be null) spells this symbol's name (cell
+  /// styles are strings); without theCaseSensitive A-Z fold to a-z.
+  bool isNameOf(const Zn::String* theText, bool theCaseSensitive = true) const;
   /// The same for an expression: a string atom holding the name.
   bool isNameOf(const Zn::Kx::Expr* theExpr) const;
 
 private:
   Zn::Ref<Zn::Kx::Symbol> symbol_;
+  const char* name_;
   uint32_t hash_;
 };
 
 using Constant = const Word;
 
-// Boolean values.
-extern Constant True, False;
-// Button options and link heads.
-extern Constant ButtonStyle, Hyperlink, BaseStyle, ButtonData, Link, URL;
-// Cell styles read as code.
-extern Constant Input, Code;
-// Cell.
-extern Constant Cell;
-// Controls that clear string quoting.
-extern Constant ActionMenuBox, CheckboxBox, InsetBox, PopupMenuBox, SetterBox, TabViewBox,
-    TooltipBox;
-// Dynamic content.
-extern Constant Dynamic, DynamicBox, DynamicModuleBox;
-// Boxes with handlers.
-extern Constant ButtonBox, InputFieldBox, PanelBox, PaneSelectorBox, RadioButtonBox, RowBox,
-    CounterBox, FractionBox, GridBox, RadicalBox, SqrtBox, StyleBox, SubscriptBox, SuperscriptBox,
-    GraphicsBox, Graphics3DBox, GraphicsData;
-// Text containers.
-extern Constant BoxData, TextData;
-// Graphics primitives, directives and other boxes that produce nothing.
-extern Constant ArrowBox, Arrow3DBox, BezierCurve3DBox, BezierCurveBox, BSplineCurve3DBox,
-    BSplineCurveBox, CircleBox, ColorSetterBox, CompressedData, ConeBox, CuboidBox, CylinderBox,
-    DiskBox, ErrorBox, LineBox, Line3DBox, OpenerBox, PointBox, Point3DBox, PolygonBox,
-    Polygon3DBox, ProgressIndicatorBox, RasterBox, RectangleBox, Slider2DBox, SliderBox,
-    SphereBox, TogglerBox, AbsoluteDashing, AbsolutePointSize, AbsoluteThickness, Arrowheads,
-    CMYKColor, Dashing, Directive, EdgeForm, FaceForm, GrayLevel, Hue, Opacity, PointSize,
-    RGBColor, Thickness, TubeBox;
-// Cell group.
-extern Constant CellGroupData;
-// Wrappers whose first argument alone is shown.
-extern Constant AdjustmentBox, AffineTransformBox, AnimatorBox, FormBox, FrameBox,
-    GeometricTransformationBox, GeometricTransformation3DBox, InterpretationBox, ItemBox, PaneBox,
-    RotationBox, TagBox, TemplateBox, Text3DBox;
-// Style sheet entries.
-extern Constant StyleData;
-// Wrappers whose second argument alone is shown.
-extern Constant GraphicsComplexBox, GraphicsComplex3DBox, LocatorBox, LocatorPaneBox;
-// Graphics options whose values are shown.
-extern Constant AxesLabel, FrameLabel, PlotLabel;
-// Style option.
-extern Constant ShowStringCharacters;
-// Cell styles and cell options.
-extern Constant Output, Title, Author, CellTags, Evaluator, InitializationCell;
-// Document head and notebook options.
-extern Constant Notebook, StyleDefinitions, Embedded, FrontEndVersion, WindowFrame,
-    WindowClickSelect, WindowSize, Palette, WindowTitle, Style;
+#define BOX(Name, Walk, Quotes) extern Constant Name;
+#define WORD(Name) extern Constant Name;
+#include "IndexerVocabulary.def"
+
+/// The kinds of box the dispatcher tells apart: one per BOX line, and
+/// Other for any head that is not listed.
+enum class BoxKind : uint8_t {
+  Other,
+#define BOX(Name, Walk, Quotes) Name,
+#include "IndexerVocabulary.def"
+};
+
+/// The kind of box whose head is theHead, hashed as theHash.
+BoxKind boxKindOf(const Zn::Kx::Expr* theHead, uint32_t theHash);
+/// Whether boxes of theKind show their string labels without quotes.
+bool hidesQuotes(BoxKind theKind);
+
 } // namespace Vocabulary
 
 /// Whether theExpr (which may be null) is a compound whose head is the
@@ -118,3 +91,8 @@ inline Zn::String* stringText(const Zn::Kx::Expr* theExpr) {
   auto string = theExpr ? theExpr->asCharacterString() : nullptr;
   return string ? string->getValue() : nullptr;
 }
+
+/// The value of the option theName among the arguments of theBox from
+/// theFirst on: the right side of the first Rule or RuleDelayed whose left
+/// side is that symbol. Borrowed; null when absent (or theBox is null).
+Zn::Kx::Expr* optionValue(const Zn::Kx::Expr* theBox, ZnIndex theFirst, Vocabulary::Constant& theName);

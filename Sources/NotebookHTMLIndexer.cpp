@@ -30,18 +30,14 @@ Zn::String* symbolName(const Expr* theExpr) {
   return symbol ? symbol->getName() : nullptr;
 }
 
-bool isNamed(const Zn::String* theName, const char* theASCII) {
-  return theName && theName->compareToCString(theASCII, true) == 0;
-}
+/// Whether theText spells theWord, in any case (style words are written
+/// "Bold" or "bold").
+bool isWord(const Zn::String* theText, Vocabulary::Constant& theWord) { return theWord.isNameOf(theText, false); }
 
-bool isWord(const Zn::String* theText, const char* theASCII) {
-  return theText && theText->compareToCString(theASCII, false) == 0;
-}
-
-/// Rule[name, value] whose name is the symbol theName: the options that
-/// this renderer reads from cells and graphics.
-bool isRuleFor(const Expr* theExpr, const char* theName) {
-  return isHead(theExpr, Head::Rule) && theExpr->length() == 2 && isNamed(symbolName(theExpr->part(1)), theName);
+/// Rule[name, value] or RuleDelayed[name, value] whose name is theName: the
+/// options that this renderer reads from cells, graphics and style boxes.
+bool isRuleFor(const Expr* theExpr, Vocabulary::Constant& theName) {
+  return isRule(theExpr) && theName.matches(theExpr->part(1));
 }
 
 int32_t roundHalfAwayFromZero(double theValue) {
@@ -130,14 +126,19 @@ public:
 //===--- Life cycle ---------------------------------------------------------===//
 
 NotebookHTMLIndexer::NotebookHTMLIndexer(Zn::Stream* theStream, Zn::StringEncoding* theEncoding)
-    : NotebookTextIndexer(theStream), htmlEncoding_(adopt(new Zn::HTMLEncoding(theEncoding))),
-      styleDefinitions_(adopt<Zn::Object>(new Zn::String("Default.nb"))) {
+    : NotebookTextIndexer(theStream), htmlEncoding_(adopt(new Zn::HTMLEncoding(theEncoding))) {
   writer_ = adopt<Zn::Writer>(new Zn::StreamWriter(theStream, htmlEncoding_.get()));
   characterEncoding_ = adopt(new Zn::Kx::Encoding(Zn::Kx::Encoding::kHTMLFlags));
   textRenderer_ = adopt<NotebookTextIndexer>(new LabelRenderer(characterEncoding_.get()));
 }
 
 NotebookHTMLIndexer::~NotebookHTMLIndexer() = default;
+
+void NotebookHTMLIndexer::resetDocumentState() {
+  NotebookTextIndexer::resetDocumentState();
+  styleDefinitions_ = adopt<Zn::Object>(new Zn::String("Default.nb"));
+  inDecoratedCode_ = false;
+}
 
 const char* NotebookHTMLIndexer::className() const { return "NotebookHTMLIndexer"; }
 const char* NotebookHTMLIndexer::superclassName() const { return "NotebookTextIndexer"; }
@@ -216,7 +217,7 @@ void NotebookHTMLIndexer::beginCell(Expr* theCell, const IndexContext& theContex
   auto style = adopt(new Zn::MutableString());
   for (ZnIndex i = 2; i <= theCell->length(); ++i) {
     Expr* option = theCell->part(i);
-    if (isRuleFor(option, "ImageMargins") || isRuleFor(option, "CellMargins"))
+    if (isRuleFor(option, Vocabulary::ImageMargins) || isRuleFor(option, Vocabulary::CellMargins))
       appendMargins(style.get(), readMargins(option->part(2)));
   }
   Zn::Writer* writer = theContext.writer.get();
@@ -246,22 +247,21 @@ void NotebookHTMLIndexer::writeGraphicsPlaceholder(Expr* theBox, ZnIndex theFirs
   int32_t height = 240;
   for (ZnIndex i = theFirstOption; i <= theBox->length(); ++i) {
     Expr* option = theBox->part(i);
-    if (!isRuleFor(option, "ImageSize"))
+    if (!isRuleFor(option, Vocabulary::ImageSize))
       continue;
     Expr* size = option->part(2);
-    Zn::String* name = symbolName(size);
     if (isNumber(size)) {
       width = height = size->integerValue();
     } else if (isList(size) && size->length() == 2) {
       width = size->part(1)->integerValue();
       height = size->part(2)->integerValue();
-    } else if (isNamed(name, "Tiny")) {
+    } else if (Vocabulary::Tiny.matches(size)) {
       width = 100, height = 58;
-    } else if (isNamed(name, "Small")) {
+    } else if (Vocabulary::Small.matches(size)) {
       width = 180, height = 106;
-    } else if (isNamed(name, "Medium")) {
+    } else if (Vocabulary::Medium.matches(size)) {
       width = 360, height = 215;
-    } else if (isNamed(name, "Large")) {
+    } else if (Vocabulary::Large.matches(size)) {
       width = 576, height = 349;
     }
   }
@@ -283,29 +283,16 @@ void NotebookHTMLIndexer::indexGraphicsData(Expr* theBox, const IndexContext& th
 //===--- Style boxes ----------------------------------------------------------===//
 
 void NotebookHTMLIndexer::indexStyleBox(Expr* theBox, const IndexContext& theContext) {
-  if (theBox->length() < 1)
-    return;
-  IndexContext context = theContext;
-  bool showSet = false;
-  for (ZnIndex i = 2; i <= theBox->length(); ++i) {
-    Expr* option = theBox->part(i);
-    if (showSet || !(isHead(option, Head::Rule) || isHead(option, Head::RuleDelayed)) || option->length() != 2 ||
-        !Vocabulary::ShowStringCharacters.matches(option->part(1)))
-      continue;
-    if (Vocabulary::True.matches(option->part(2)) || Vocabulary::False.matches(option->part(2))) {
-      context.showStringCharacters = Vocabulary::True.matches(option->part(2));
-      showSet = true;
-    }
-  }
-  if (theBox->length() == 1)
-    return indexBox(theBox->part(1), context);
-
+  // The walk of the base decides what the text shows; the options become
+  // the span's style around it.
+  if (theBox->length() <= 1)
+    return NotebookTextIndexer::indexStyleBox(theBox, theContext);
   Zn::Writer* writer = theContext.writer.get();
   writeMarkup(writer, "<span style=\"");
   for (ZnIndex i = 2; i <= theBox->length(); ++i) {
     Expr* element = theBox->part(i);
-    if (isHead(element, Head::Rule) && element->length() == 2 && symbolName(element->part(1))) {
-      writeStyleOption(symbolName(element->part(1)), element->part(2), theContext);
+    if (isRule(element)) {
+      writeStyleOption(element->part(1), element->part(2), theContext);
     } else if (isNumber(element)) {
       writeMarkupFormat(writer, "font-size:%ldpx;", long(element->integerValue()));
     } else {
@@ -313,33 +300,34 @@ void NotebookHTMLIndexer::indexStyleBox(Expr* theBox, const IndexContext& theCon
       Zn::String* text = stringText(element);
       if (!text)
         text = symbolName(element);
-      if (isWord(text, "Bold"))
+      if (isWord(text, Vocabulary::Bold))
         writeMarkup(writer, "font-weight:bold;");
-      else if (isWord(text, "Italic"))
+      else if (isWord(text, Vocabulary::Italic))
         writeMarkup(writer, "font-style:italic;");
     }
   }
   writeMarkup(writer, "\">");
-  indexBox(theBox->part(1), context);
+  NotebookTextIndexer::indexStyleBox(theBox, theContext);
   writeMarkup(writer, "</span>");
 }
 
-void NotebookHTMLIndexer::writeStyleOption(Zn::String* theName, Expr* theValue, const IndexContext& theContext) {
+void NotebookHTMLIndexer::writeStyleOption(Expr* theName, Expr* theValue, const IndexContext& theContext) {
+  using namespace Vocabulary;
   Zn::Writer* writer = theContext.writer.get();
-  if (isNamed(theName, "FontColor")) {
-    if (Vocabulary::RGBColor.isHeadOf(theValue) && theValue->length() >= 3) {
+  if (FontColor.matches(theName)) {
+    if (RGBColor.isHeadOf(theValue) && theValue->length() >= 3) {
       writeMarkupFormat(writer, "color: #%02X%02X%02X;", colourByte(theValue->part(1)->doubleValue()),
                         colourByte(theValue->part(2)->doubleValue()), colourByte(theValue->part(3)->doubleValue()));
-    } else if (Vocabulary::GrayLevel.isHeadOf(theValue) && theValue->length() >= 1) {
+    } else if (GrayLevel.isHeadOf(theValue) && theValue->length() >= 1) {
       int level = colourByte(theValue->part(1)->doubleValue());
       writeMarkupFormat(writer, "color: #%02X%02X%02X;", level, level, level);
     }
     return;
   }
-  const bool family = isNamed(theName, "FontFamily");
-  const bool size = isNamed(theName, "FontSize");
-  const bool weight = isNamed(theName, "FontWeight");
-  const bool slant = isNamed(theName, "FontSlant");
+  const bool family = FontFamily.matches(theName);
+  const bool size = FontSize.matches(theName);
+  const bool weight = FontWeight.matches(theName);
+  const bool slant = FontSlant.matches(theName);
   if (!family && !size && !weight && !slant)
     return;
   auto text = adopt(stringForBox(theValue, theContext));
@@ -354,14 +342,14 @@ void NotebookHTMLIndexer::writeStyleOption(Zn::String* theName, Expr* theValue, 
     }
     writeMarkupFormat(writer, "font-size:%@;", adopt(text->lowercaseString()).get());
   } else if (weight) {
-    if (isWord(text.get(), "Plain"))
+    if (isWord(text.get(), Plain))
       writeMarkup(writer, "font-weight:normal;");
-    else if (isWord(text.get(), "Bold"))
+    else if (isWord(text.get(), Bold))
       writeMarkup(writer, "font-weight:bold;");
-  } else if (isWord(text.get(), "Plain")) {
+  } else if (isWord(text.get(), Plain)) {
     // The transposed letters are part of the page as it has always been written.
     writeMarkup(writer, "font-stlye:normal;");
-  } else if (isWord(text.get(), "Italic")) {
+  } else if (isWord(text.get(), Italic)) {
     writeMarkup(writer, "font-style:italic;");
   }
 }
@@ -425,8 +413,7 @@ void NotebookHTMLIndexer::writePopupMenu(Zn::Array* theItems, int32_t theSelecte
 void NotebookHTMLIndexer::indexSetterBox(Expr* theBox, const IndexContext& theContext) {
   Zn::Writer* writer = theContext.writer.get();
   writeMarkup(writer, "<input type=\"button\" value=\"");
-  Expr* label = theBox->length() > 2 ? theBox->part(3) : theBox->length() == 2 ? theBox->part(2) : nullptr;
-  if (label) {
+  if (Expr* label = theBox->length() > 2 ? theBox->part(3) : theBox->part(2)) {
     // Rendered by this renderer, so any markup of its own goes into the
     // attribute escaped along with the text.
     auto text = adopt(SearchIndexer::stringForBox(label, theContext));
@@ -436,7 +423,7 @@ void NotebookHTMLIndexer::indexSetterBox(Expr* theBox, const IndexContext& theCo
 }
 
 void NotebookHTMLIndexer::indexPanelBox(Expr* theBox, const IndexContext& theContext) {
-  if (theBox->length() < 1)
+  if (!theBox->part(1))
     return;
   Zn::Writer* writer = theContext.writer.get();
   writeMarkup(writer, "<table bgcolor=\"#EEEEEE\" style=\"display:inline;border:1px solid;margin:2px;padding:4px;\">"
@@ -460,9 +447,9 @@ void NotebookHTMLIndexer::writeSuperscript(Expr* theScript, const IndexContext& 
 }
 
 void NotebookHTMLIndexer::indexGridBox(Expr* theBox, const IndexContext& theContext) {
-  if (theBox->length() < 1 || !isList(theBox->part(1)))
-    return;
   Expr* rows = theBox->part(1);
+  if (!isList(rows))
+    return;
   const ZnIndex rowCount = rows->length();
   Zn::Writer* writer = theContext.writer.get();
   writeMarkup(writer, "<table border=\"1\">\n");
@@ -501,13 +488,6 @@ void NotebookHTMLIndexer::indexGridBox(Expr* theBox, const IndexContext& theCont
   writeMarkup(writer, "</table>\n");
 }
 
-// The selected pane must exist: a selection outside the panes is a broken
-// precondition of the tab view, reported like any other.
-static Expr* selectedPane(Zn::Array* theContents, ZnIndex theIndex) {
-  ZnAssert(theIndex >= 0, theIndex);
-  return static_cast<Expr*>(theContents->objectAtIndex(theIndex));
-}
-
 void NotebookHTMLIndexer::writeTabView(Zn::Array* theLabels, Zn::Array* theContents, int32_t theSelected,
                                        const IndexContext& theContext) {
   Zn::Writer* writer = theContext.writer.get();
@@ -519,6 +499,6 @@ void NotebookHTMLIndexer::writeTabView(Zn::Array* theLabels, Zn::Array* theConte
     writeMarkup(writer, "</td>\n");
   }
   writeMarkupFormat(writer, "</tr><tr><td style=\"border:1px solid;\" colspan=\"%d\">\n", int(theLabels->getCount()));
-  indexBox(selectedPane(theContents, theSelected), theContext);
+  indexBox(static_cast<Expr*>(theContents->objectAtIndex(ZnIndex(theSelected))), theContext);
   writeMarkup(writer, "\n</td></tr></table>\n");
 }

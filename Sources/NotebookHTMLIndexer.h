@@ -22,11 +22,6 @@ public:
   /// is retained; null means UTF-8 without byte-order mark.
   explicit NotebookHTMLIndexer(Zn::Stream* theStream, Zn::StringEncoding* theEncoding = nullptr);
 
-  /// Borrowed. The page's encoding; its raw switch is off between writes.
-  Zn::HTMLEncoding* getHTMLEncoding() const { return htmlEncoding_.get(); }
-  /// Borrowed. The last StyleDefinitions value met, "Default.nb" at first.
-  Zn::Object* getStyleDefinitions() const { return styleDefinitions_.get(); }
-
   /// Marks up the code of input cells before walking it.
   void indexBox(Zn::Kx::Expr* theBox, const IndexContext& theContext) override;
   /// +1. The box as plain text, without markup: labels and option values.
@@ -68,6 +63,8 @@ public:
 
 protected:
   ~NotebookHTMLIndexer() override;
+  /// Also forgets the style sheet of the document before.
+  void resetDocumentState() override;
 
 private:
   /// Writes theMarkup with the escaping off.
@@ -77,9 +74,10 @@ private:
   /// from the argument theFirstOption on.
   void writeGraphicsPlaceholder(Zn::Kx::Expr* theBox, ZnIndex theFirstOption, const IndexContext& theContext);
   /// At most one CSS declaration for the style box option theName -> theValue.
-  void writeStyleOption(Zn::String* theName, Zn::Kx::Expr* theValue, const IndexContext& theContext);
+  void writeStyleOption(Zn::Kx::Expr* theName, Zn::Kx::Expr* theValue, const IndexContext& theContext);
 
   Zn::Ref<Zn::HTMLEncoding> htmlEncoding_;
+  /// The last StyleDefinitions value of the document, "Default.nb" at first.
   Zn::Ref<Zn::Object> styleDefinitions_;
   /// The plain-text renderer behind stringForBox, kept for the whole run.
   Zn::Ref<NotebookTextIndexer> textRenderer_;

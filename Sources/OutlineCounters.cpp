@@ -24,6 +24,8 @@ OutlineCounters::OutlineCounters() : counts_(adopt(new Zn::MutableDictionary()))
 
 OutlineCounters::~OutlineCounters() = default;
 
+void OutlineCounters::reset() { counts_ = adopt(new Zn::MutableDictionary()); }
+
 void OutlineCounters::countCell(Zn::String* theStyle) {
   auto counter = dynamic_cast<Zn::Kx::Expr*>(counts_->objectForKey(theStyle));
   auto next = adopt(new Zn::Kx::MachineInteger(counter ? counter->integerValue() + 1 : 1));

@@ -20,6 +20,8 @@ public:
   OutlineCounters(const OutlineCounters&) = delete;
   OutlineCounters& operator=(const OutlineCounters&) = delete;
 
+  /// Forgets every count: a new document numbers from 1 again.
+  void reset();
   /// Counts one more cell of theStyle.
   void countCell(Zn::String* theStyle);
   /// Borrowed. The count of theName (a number), or null while no cell of it

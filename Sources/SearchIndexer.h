@@ -52,6 +52,15 @@ struct IndexContext {
 /// Reads one notebook from a stream, parses it and walks it, turning every
 /// box into a call of one of its virtual operations. It writes almost
 /// nothing itself; renderers derive from it and override what they show.
+///
+/// The operations that write nothing here (the hooks set*, note*, count*,
+/// begin*, end*, write*) are extension points for renderers: the walk calls
+/// them whether or not a renderer overrides them. A hook that would need a
+/// box rendered into text is handed the box instead, so that the rendering
+/// is paid for only by a renderer that wants it (through stringForBox).
+///
+/// The walk never trusts a box to have the parts it expects: a part that is
+/// missing or of the wrong kind makes the box write nothing of itself.
 class SearchIndexer : public Zn::Object {
 public:
   SearchIndexer();
@@ -61,24 +70,22 @@ public:
   void setIndent(bool theIndent) { indent_ = theIndent; }
   /// Borrowed.
   Zn::Writer* getWriter() const { return writer_.get(); }
-  /// Borrowed. The encoding that writes resolved text back out.
-  Zn::Kx::Encoding* getCharacterEncoding() const { return characterEncoding_.get(); }
-  ZnIndex getStyleDataCount() const { return styleDataCount_; }
 
-  // The operations, in slot order. Handlers take the whole box (head and
-  // arguments) and read its arguments by position.
+  // The operations. Handlers take the whole box (head and arguments) and
+  // read its arguments by position; Expr::part gives null for a part that
+  // is not there, and indexBox writes nothing for null.
 
   /// Parses and walks one document. False for input that is empty, begins
   /// with "<" or "%", does not parse, or is not a Notebook[...]. Exceptions
   /// of the parser and the handlers pass through.
   virtual bool indexStream(Zn::Stream* theStream);
-  /// The dispatcher: compares the head with the vocabulary and calls one
-  /// handler per box kind; atoms go to indexString.
+  /// The dispatcher: looks the head up in the vocabulary and calls the walk
+  /// that the list names for it; atoms go to indexString. theBox may be null.
   virtual void indexBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   /// +1. The box rendered by the dispatcher into a new string.
   virtual Zn::String* stringForBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   /// +1. The box with the code of input cells marked up by style boxes; see
-  /// the .cpp for what is marked. theIsCode treats theBox itself as code.
+  /// CodeDecorator.h for what is marked. theIsCode treats theBox itself as code.
   virtual Zn::Kx::Expr* decorateBox(Zn::Kx::Expr* theBox, bool theIsCode);
   /// Whether theBox is a cell whose contents decorateBox marks up as code
   /// (style "Input" or "Code").
@@ -91,8 +98,13 @@ public:
   virtual void writeText(Zn::String* theText);
   /// Two line ends: cells are separated by one empty line.
   virtual void writeCellSeparator(const IndexContext& theContext);
-  virtual void setTitle(Zn::String* theTitle);
-  virtual void noteCellText(Zn::String* theText);
+  /// theTitle is the value of the notebook's WindowTitle option or the
+  /// contents of a Title cell.
+  virtual void setTitle(Zn::Kx::Expr* theTitle, const IndexContext& theContext);
+  /// The contents of a Subtitle, Section or Subsection cell.
+  virtual void noteCellText(Zn::Kx::Expr* theContents, const IndexContext& theContext);
+  /// Palette for a notebook that cannot be clicked into; Style, after the
+  /// walk, for a style sheet (a notebook with StyleData cells).
   virtual void setNotebookKind(Zn::Kx::Symbol* theKind);
   virtual void setEvaluator(Zn::String* theName);
   virtual void noteCellOption(Zn::String* theText);
@@ -143,7 +155,8 @@ public:
   virtual void indexSuperscriptBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   virtual void writeSuperscript(Zn::Kx::Expr* theScript, const IndexContext& theContext);
   virtual void indexTabViewBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
-  /// theLabels and theContents hold boxes, one of each per tab.
+  /// theLabels and theContents hold boxes, at least one of each and as many
+  /// of one as of the other; theSelected is one of their indices.
   virtual void writeTabView(Zn::Array* theLabels, Zn::Array* theContents, int32_t theSelected,
                             const IndexContext& theContext);
 
@@ -152,6 +165,11 @@ public:
 
 protected:
   ~SearchIndexer() override;
+
+  /// Forgets everything that an earlier document left behind (counts,
+  /// outline numbers, the writer's indentation), before a document's first
+  /// hook is called. Renderers with state of their own extend it.
+  virtual void resetDocumentState();
 
   /// Calls indexBox on every argument from theFirst to the last.
   void walkArguments(Zn::Kx::Expr* theBox, ZnIndex theFirst, const IndexContext& theContext);
@@ -170,30 +188,23 @@ protected:
 
 private:
   class Scratch;
-  /// The hooks whose empty default the walk need not call.
-  enum Hook : int32_t {
-    kSetTitle,
-    kNoteCellText,
-    kSetNotebookKind,
-    kSetEvaluator,
-    kNoteCellOption,
-    kSetStyleDefinitions,
-    kSetFrontEndVersion,
-    kSetWindowFrame,
-    kSetWindowSize,
-    kWriteActionMenu,
-    kWriteInputField,
-    kWritePopupMenu,
-    kHookCount
-  };
-  /// Whether a renderer replaced the empty default of a hook, so that the
-  /// walk need not build arguments that nobody reads.
-  bool overrides(Hook theHook) const;
-  // The dispatcher's context changes, out of line so that its own frame,
-  // entered once per level of the deepest boxes, stays small.
+
+  // The walks that the vocabulary list names besides the handlers above.
+  // The context changes are made out of line, so that the dispatcher's own
+  // frame, entered once per level of the deepest boxes, stays small.
   __attribute__((noinline)) void indexWithoutQuotes(Zn::Kx::Expr* theBox, const IndexContext& theContext);
-  __attribute__((noinline)) void indexTextContainer(Zn::Kx::Expr* theBox, const IndexContext& theContext);
-  void readNotebookOptions(Zn::Kx::Expr* theNotebook);
+  __attribute__((noinline)) void walkTextContainer(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  void walkCellGroup(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  void walkStyleData(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  void walkGraphicsBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  void walkGraphicsData(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  void walkFirstArgument(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  void walkSecondArgument(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  void walkNothing(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  /// Every argument, as separate pieces: the walk of any head not listed.
+  void walkPieces(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+
+  void readNotebookOptions(Zn::Kx::Expr* theNotebook, const IndexContext& theContext);
   /// Walks a cell list: theCells (a list, or one element), each element
   /// that is a Cell as a cell of the notebook.
   void indexCellList(Zn::Kx::Expr* theCells, const IndexContext& theContext);
@@ -206,19 +217,16 @@ private:
   /// +1. The URL when theBox is a hyperlink button, else null.
   Zn::String* copyHyperlinkURL(Zn::Kx::Expr* theBox);
 
+  // Per document; resetDocumentState starts them again.
   OutlineCounters namedCounters_;
-  ZnIndex inputCellCount_ = 0;
-  ZnIndex outputCellCount_ = 0;
-  ZnIndex titleCellCount_ = 0;
-  ZnIndex cellOptionCount_ = 0;
-  ZnIndex graphicsCount_ = 0;
-  ZnIndex styleDataCount_ = 0;
+  bool sawStyleData_ = false;
+
   bool indent_ = true;
   /// How many stringForBox calls are under way, one inside the other.
   ZnIndex labelDepth_ = 0;
   /// Reusable text buffers, so that writing an atom allocates nothing once
-  /// the walk is under way.
+  /// the walk is under way. Owning.
   static constexpr ZnIndex kScratchPoolSize = 8;
-  Zn::MutableString* scratchPool_[kScratchPoolSize];
+  Zn::Ref<Zn::MutableString> scratchPool_[kScratchPoolSize];
   ZnIndex scratchCount_ = 0;
 };

@@ -45,22 +45,19 @@ int32_t TreeDepth(const Kx::Expr* theRoot) {
 
 int FuzzParse(const uint8_t* theData, size_t theSize) {
   InstallFuzzAssertionHandler();
-  try {
-    auto data = adopt(new Data(theData, ZnIndex(theSize)));
-    auto stream = adopt(Data::createReadStream(data.get()));
-    auto encoding = adopt(StringEncodingWithID(kStringEncodingUTF8));
-    auto reader = adopt<Reader>(new StreamReader(stream.get(), encoding.get()));
-    auto expr = adopt(Kx::ParseExpression(reader.get()));
-    if (!expr)
-      return 0;
-    FuzzCheck(TreeDepth(expr.get()) <= Kx::kMaxExpressionDepth);
-    auto fullForm = adopt(expr->fullFormString());
-    Kx::FormatContext context;
-    auto inputForm = adopt(expr->inputFormString(&context));
-    FuzzCheck(fullForm && inputForm);
-    (void)expr->hash();
-  } catch (AssertionRefusal&) {
-  }
+  auto data = adopt(new Data(theData, ZnIndex(theSize)));
+  auto stream = adopt(Data::createReadStream(data.get()));
+  auto encoding = adopt(StringEncodingWithID(kStringEncodingUTF8));
+  auto reader = adopt<Reader>(new StreamReader(stream.get(), encoding.get()));
+  auto expr = adopt(Kx::ParseExpression(reader.get()));
+  if (!expr)
+    return 0;
+  FuzzCheck(TreeDepth(expr.get()) <= Kx::kMaxExpressionDepth);
+  auto fullForm = adopt(expr->fullFormString());
+  Kx::FormatContext context;
+  auto inputForm = adopt(expr->inputFormString(&context));
+  FuzzCheck(fullForm && inputForm);
+  (void)expr->hash();
   return 0;
 }
 } // namespace NbtextFuzz

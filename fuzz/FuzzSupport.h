@@ -5,17 +5,10 @@
 
 namespace NbtextFuzz {
 
-/// Thrown by the assertion handler of the fuzz entry points when a failed
-/// assertion is one that malformed input is allowed to reach (a box whose
-/// part is missing, a tab view whose selection lies outside its panes). In
-/// the program it ends the run with status 255 like any refusal; here it
-/// ends the run of one input, unwinding the stack the way an exception does.
-struct AssertionRefusal {};
-
-/// Installs the handler described above. Any other failed assertion is a
-/// fault: it is printed and the process aborts, so that the fuzzer keeps
-/// the input. Each entry point calls this first, since the test suite runs
-/// the entry points under a handler of its own.
+/// Makes a failed assertion print its report and abort, so that the
+/// fuzzer keeps the input: no input may reach one. Each entry point calls
+/// this first, since the test suite runs the entry points under a handler
+/// of its own.
 void InstallFuzzAssertionHandler();
 
 /// Reports a broken expectation of an entry point's own checks and aborts.

@@ -15,6 +15,11 @@ ZnIndex Expr::length() const { return 0; }
 
 Expr* Expr::part(ZnIndex thePart) const { return thePart == 0 ? head() : nullptr; }
 
+String* Expr::stringValueOfPart(ZnIndex thePart) const {
+  Expr* e = part(thePart);
+  return e ? e->stringValue() : new String();
+}
+
 bool Expr::isAtom() const { return true; }
 
 bool Expr::isAtomic() const { return isAtom(); }

@@ -38,8 +38,9 @@ public:
 
   /// Number of arguments; 0 for atoms.
   virtual ZnIndex length() const;
-  /// Borrowed. Part 0 is the head, parts 1 to length() the arguments; an
-  /// atom has no part beyond 0 and answers null.
+  /// Borrowed. Part 0 is the head, parts 1 to length() the arguments; any
+  /// other part is not there and answers null, as does every part of an
+  /// atom beyond 0.
   virtual Expr* part(ZnIndex thePart) const;
   /// Borrowed. Never null: atoms answer the symbol naming their type.
   virtual Expr* head() const = 0;
@@ -65,32 +66,26 @@ public:
   /// +1. Minus[this]; numbers change their sign instead.
   virtual Expr* negated() const;
 
-  // Conveniences for walking a tree: the part must exist.
+  // Conveniences for walking a tree whose shape is not known: a part that
+  // is not there reads as null, an empty string or 0.
+  /// Borrowed.
   Expr* partOfPart(ZnIndex thePart, ZnIndex theSubpart) const {
     Expr* e = part(thePart);
-    ZnAssert(e != NULL, thePart);
-    return e->part(theSubpart);
+    return e ? e->part(theSubpart) : nullptr;
   }
   ZnIndex lengthOfPart(ZnIndex thePart) const {
     Expr* e = part(thePart);
-    ZnAssert(e != NULL, thePart);
-    return e->length();
+    return e ? e->length() : 0;
   }
   /// +1.
-  String* stringValueOfPart(ZnIndex thePart) const {
-    Expr* e = part(thePart);
-    ZnAssert(e != NULL, thePart);
-    return e->stringValue();
-  }
+  String* stringValueOfPart(ZnIndex thePart) const;
   int32_t integerValueOfPart(ZnIndex thePart) const {
     Expr* e = part(thePart);
-    ZnAssert(e != NULL, thePart);
-    return e->integerValue();
+    return e ? e->integerValue() : 0;
   }
   double doubleValueOfPart(ZnIndex thePart) const {
     Expr* e = part(thePart);
-    ZnAssert(e != NULL, thePart);
-    return e->doubleValue();
+    return e ? e->doubleValue() : 0;
   }
 
   /// The input form with the default context.

@@ -138,7 +138,8 @@ void Function::releaseParts() {
 //===--- Access ----------------------------------------------------------------===//
 
 Expr* Function::part(ZnIndex thePart) const {
-  ZnAssert(thePart <= length_, thePart);
+  if (thePart > length_)
+    return nullptr;
   if (thePart <= 0)
     return thePart == 0 ? head() : nullptr;
   return parts_[thePart];

@@ -61,7 +61,7 @@ public:
   void writeInputForm(Writer* theWriter, const FormatContext* theContext) const override;
   void writeFullForm(Writer* theWriter) const override;
   ZnIndex length() const override { return length_; }
-  /// Borrowed. Part 0 is head(); a negative index gives null.
+  /// Borrowed. Part 0 is head(); an index below 0 or past length() gives null.
   Expr* part(ZnIndex thePart) const override;
   Expr* head() const override;
   bool isAtom() const override;

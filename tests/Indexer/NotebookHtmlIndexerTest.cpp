@@ -163,13 +163,6 @@ TEST_P(NotebookHtmlGoldenTest, WritesExactly) {
 INSTANTIATE_TEST_SUITE_P(Boxes, NotebookHtmlGoldenTest, testing::ValuesIn(kGoldens),
                          [](const testing::TestParamInfo<Golden>& theInfo) { return theInfo.param.name; });
 
-TEST(NotebookHtmlIndexerTest, ATabViewWithoutPanesIsABrokenPrecondition) {
-  // The selected pane must exist; the report ends the whole run.
-  auto run = ConvertNotebook("Notebook[{Cell[BoxData[TabViewBox[{}]]]}]", {"-html"});
-  EXPECT_EQ(run.status, 255);
-  EXPECT_NE(run.err.find("Assertion \"theIndex < count_\" failed"), std::string::npos) << run.err;
-}
-
 TEST(NotebookHtmlIndexerTest, SeveralNotebooksEachGetTheirOwnPage) {
   NbtextTest::TempDir dir;
   std::string first = dir.write("first.nb", R"nb(Notebook[{Cell["one", "Title"]}, WindowSize->{500, 600}])nb");
