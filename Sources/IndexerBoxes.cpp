@@ -36,18 +36,10 @@ void SearchIndexer::indexDynamicBox(Expr* theBox, const IndexContext& theContext
     theContext.writer->putBytes("-Dynamic-");
 }
 
-void SearchIndexer::noteDynamicModuleVariable(Expr*, IndexContext&) {
-  // The variables' values live in the front end; nothing of them is shown,
-  // so the walk records nothing yet.
-}
-
 void SearchIndexer::indexDynamicModuleBox(Expr* theBox, const IndexContext& theContext) {
-  IndexContext context = theContext;
-  if (Expr* variables = theBox->part(1); isList(variables)) {
-    for (ZnIndex i = 1; i <= variables->length(); ++i)
-      noteDynamicModuleVariable(variables->part(i), context);
-  }
-  indexBox(theBox->part(2), context);
+  // The variables (the first argument) hold values that live in the front
+  // end; only the body shows.
+  indexBox(theBox->part(2), theContext);
 }
 
 //===--- Graphics ---------------------------------------------------------===//

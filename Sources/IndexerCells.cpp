@@ -39,7 +39,6 @@ void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
     writer->setIndentLevel(0);
     return;
   }
-  context.cell = retained(theCell);
   // Whatever stands second and is not a string (an option, say) leaves the
   // cell without a style name; it is a cell of the notebook all the same.
   Zn::String* styleName = stringText(theCell->part(2));

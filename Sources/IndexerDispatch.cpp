@@ -102,7 +102,6 @@ void SearchIndexer::walkCellGroup(Expr* theBox, const IndexContext& theContext) 
 
 void SearchIndexer::walkTextContainer(Expr* theBox, const IndexContext& theContext) {
   IndexContext context = theContext;
-  context.textMode = false;
   const bool boxes = Vocabulary::BoxData.isHeadOf(theBox);
   context.insideBoxData = context.insideBoxData || boxes;
   // Outside code, the boxes show a string as the page does: without its

@@ -25,7 +25,6 @@ public:
 
   /// Borrowed.
   Zn::Kx::Symbol* get() const { return symbol_.get(); }
-  Zn::Kx::Symbol* operator->() const { return symbol_.get(); }
   uint32_t getHash() const { return hash_; }
   const char* getName() const { return name_; }
 

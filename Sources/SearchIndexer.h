@@ -26,8 +26,7 @@ struct IndexContext {
   /// Where the text goes: the indexer's writer at the top, a string writer
   /// while a box is rendered into a string.
   Zn::Ref<Zn::Writer> writer;
-  /// The cell being walked, and its style name; empty outside any cell.
-  Zn::Ref<Zn::Kx::Expr> cell;
+  /// The style name of the cell being walked; empty outside any cell.
   Zn::Ref<Zn::String> cellStyle;
   /// Set for the elements of a cell list (the notebook's, or a cell
   /// group's): a Cell met there is a cell of the notebook. A Cell met
@@ -40,8 +39,6 @@ struct IndexContext {
   bool codeStyle = false;
   /// Set inside BoxData.
   bool insideBoxData = false;
-  /// Cleared inside BoxData and TextData.
-  bool textMode = true;
   /// While false, a string atom written "\"...\"" loses its quotes.
   bool showStringCharacters = true;
   /// While true, Dynamic and DynamicBox are walked into instead of being
@@ -209,7 +206,6 @@ private:
   /// that is a Cell as a cell of the notebook.
   void indexCellList(Zn::Kx::Expr* theCells, const IndexContext& theContext);
   void readCellOptions(Zn::Kx::Expr* theCell);
-  void noteDynamicModuleVariable(Zn::Kx::Expr* theVariable, IndexContext& theContext);
   /// Resolves the escapes of an atom's text and writes the result; a box
   /// group inside the text is walked where it stands.
   void writeAtomText(const ZnUnichar* theText, ZnIndex theLength, const IndexContext& theContext);

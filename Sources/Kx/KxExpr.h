@@ -79,10 +79,6 @@ public:
   }
   /// +1.
   String* stringValueOfPart(ZnIndex thePart) const;
-  int32_t integerValueOfPart(ZnIndex thePart) const {
-    Expr* e = part(thePart);
-    return e ? e->integerValue() : 0;
-  }
   double doubleValueOfPart(ZnIndex thePart) const {
     Expr* e = part(thePart);
     return e ? e->doubleValue() : 0;

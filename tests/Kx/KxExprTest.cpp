@@ -184,11 +184,10 @@ TEST_F(ExprTest, APartThatIsNotThereReadsAsNothing) {
   EXPECT_EQ(f->partOfPart(2, 1), nullptr);
   EXPECT_EQ(f->partOfPart(1, 2), nullptr);
   EXPECT_EQ(f->lengthOfPart(3), 0);
-  EXPECT_EQ(f->integerValueOfPart(5), 0);
   EXPECT_EQ(f->doubleValueOfPart(5), 0.0);
   EXPECT_EQ(ZnTest::Utf8(adopt(f->stringValueOfPart(2)).get()), "");
   EXPECT_EQ(f->partOfPart(1, 1)->integerValue(), 7);
-  EXPECT_EQ(Int(1)->integerValueOfPart(1), 0);
+  EXPECT_EQ(Int(1)->doubleValueOfPart(1), 0.0);
 }
 
 TEST_F(ExprDeathTest, BrokenPreconditionsAreReported) {
