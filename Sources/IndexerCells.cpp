@@ -26,11 +26,14 @@ void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
   // its contents show, where it stands.
   if (!theContext.inCellList)
     return indexBox(theCell->part(1), theContext);
+  Expr* contents = theCell->part(1);
+  // A cell group writes no cell of its own, whatever else it carries: its
+  // cells are cells of the notebook in their turn.
+  if (CellGroupData.isHeadOf(contents))
+    return walkCellGroup(contents, theContext);
   IndexContext context = theContext;
   context.inCellList = false;
-  Expr* contents = theCell->part(1);
-  // A cell group's cells are cells of the notebook in their turn.
-  context.insideCell = !CellGroupData.isHeadOf(contents);
+  context.insideCell = true;
   // Every cell starts flush left, whatever brackets earlier cells left open.
   Zn::Writer* writer = theContext.writer.get();
   writer->setIndentLevel(0);
@@ -65,8 +68,6 @@ void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
   // The separator's line ends are indented like any: the next cell's first
   // line must not inherit this cell's open brackets.
   writer->setIndentLevel(0);
-  if (CellGroupData.isHeadOf(contents) || GraphicsData.isHeadOf(contents))
-    return;
   endCell(theCell, context);
   writeCellSeparator(context);
 }

@@ -108,17 +108,17 @@ void SearchIndexer::walkTextContainer(Expr* theBox, const IndexContext& theConte
   // quotes, its escapes resolved.
   if (boxes && !context.codeStyle)
     context.showStringCharacters = false;
-  for (ZnIndex i = 1; i <= theBox->length(); ++i) {
-    Expr* contents = theBox->part(i);
-    if (!isList(contents))
-      indexBox(contents, context);
-    else if (boxes)
-      // The expressions of a cell, each on its own line.
-      walkPieces(contents, 1, Zn::Writer::kLineSeparator, context);
-    else
-      // The runs of one text, written together.
-      walkArguments(contents, 1, context);
-  }
+  // What follows the contents is a setting (the form of the boxes, such
+  // as StandardForm), no text.
+  Expr* contents = theBox->part(1);
+  if (!isList(contents))
+    indexBox(contents, context);
+  else if (boxes)
+    // The expressions of a cell, each on its own line.
+    walkPieces(contents, 1, Zn::Writer::kLineSeparator, context);
+  else
+    // The runs of one text, written together.
+    walkArguments(contents, 1, context);
 }
 
 //===--- Boxes into text --------------------------------------------------===//

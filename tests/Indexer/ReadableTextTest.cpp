@@ -108,6 +108,18 @@ const Golden kGoldens[] = {
      "mno\u017Eica \u016F \u0158 \\[NoSuchName]\n\n<|a->1|> x|->y-><-><->\u2297\u29E6\n\n",
      "\n<div class=\"Text\">mno\u017Eica \u016F \u0158 \\[NoSuchName]</div>"
      "\n<div class=\"Output\">&lt;|a-&gt;1|&gt; x|-&gt;y-&gt;&lt;-&gt;&lt;-&gt;\u2297\u29E6</div>"},
+    // A group writes no cell of its own, whatever it carries; a graphics
+    // cell of the old kind ends like any other.
+    {"EveryCellIsClosed",
+     R"nb(Cell[CellGroupData[{Cell["a", "Section"], Cell[GraphicsData["PostScript", "%!"], "Graphics"], Cell["b", "Text"]}, Open], ExpressionUUID -> "9c1f"], Cell["c", "Text"])nb",
+     "a\n\n\n\nb\n\nc\n\n",
+     "\n<div class=\"Section\">a</div>\n<div class=\"Graphics\"><table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" "
+     "border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table></div>\n<div class=\"Text\">b</div>"
+     "\n<div class=\"Text\">c</div>"},
+    // What follows the boxes of a cell is their form, no text.
+    {"FormOfTheBoxesWritesNothing",
+     R"nb(Cell[BoxData[RowBox[{"x", "+", "1"}], StandardForm], "Output"], Cell[TextData[{"t"}, TraditionalForm], "Text"])nb",
+     "x + 1\n\nt\n\n", "\n<div class=\"Output\">x + 1</div>\n<div class=\"Text\">t</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};
