@@ -24,8 +24,14 @@ void SearchIndexer::indexCell(Expr* theCell, const IndexContext& theContext) {
   using namespace Vocabulary;
   // A cell inside another cell's contents is part of that cell's text: only
   // its contents show, where it stands.
-  if (!theContext.inCellList)
-    return indexBox(theCell->part(1), theContext);
+  if (!theContext.inCellList) {
+    // One that writes nothing (a picture) still stands between two words.
+    const uint32_t before = theContext.writer->getPutCount();
+    indexBox(theCell->part(1), theContext);
+    if (theContext.writer->getPutCount() == before)
+      theContext.writer->requestSeparator(Zn::Writer::kSpaceSeparator);
+    return;
+  }
   Expr* contents = theCell->part(1);
   // A cell group writes no cell of its own, whatever else it carries: its
   // cells are cells of the notebook in their turn.

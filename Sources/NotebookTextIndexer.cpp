@@ -6,13 +6,17 @@
 #include "Zn/Base/ZnStringEncoding.h"
 #include "Zn/Collection/ZnArray.h"
 #include "Zn/IO/ZnStream.h"
+#include "Zn/IO/ZnTidyWriter.h"
 #include "Zn/IO/ZnWriter.h"
 #include "Zn/Util/ZnUtil.h"
 
 NotebookTextIndexer::NotebookTextIndexer(Zn::Stream* theStream) {
   ZnAssert(theStream, 0);
   auto encoding = Zn::adopt(Zn::StringEncodingWithID(Zn::kStringEncodingUTF8));
-  writer_ = Zn::adopt(new Zn::StreamWriter(theStream, encoding.get()));
+  auto output = Zn::adopt<Zn::Writer>(new Zn::StreamWriter(theStream, encoding.get()));
+  // The page's text has no blanks at the ends of lines and no runs of
+  // empty lines, whatever boxes wrote nothing between two line ends.
+  writer_ = Zn::adopt<Zn::Writer>(new Zn::TidyWriter(output.get()));
 }
 
 NotebookTextIndexer::NotebookTextIndexer(Zn::Writer* theWriter) {
@@ -24,6 +28,11 @@ const char* NotebookTextIndexer::className() const { return "NotebookTextIndexer
 const char* NotebookTextIndexer::superclassName() const { return "SearchIndexer"; }
 
 void NotebookTextIndexer::writeText(Zn::String* theText) { writer_->putString(theText); }
+
+void NotebookTextIndexer::endDocument(Zn::Kx::Expr*) {
+  if (auto tidy = dynamic_cast<Zn::TidyWriter*>(writer_.get()))
+    tidy->finishDocument();
+}
 
 void NotebookTextIndexer::writeCheckbox(int32_t theState, const IndexContext& theContext) {
   theContext.writer->putBytes(theState == 0 ? " [ ] " : theState == 1 ? " [X] " : " [-] ");

@@ -14,6 +14,8 @@ public:
   explicit NotebookTextIndexer(Zn::Writer* theWriter);
 
   void writeText(Zn::String* theText) override;
+  /// Pushes the document's tidied text out to the stream.
+  void endDocument(Zn::Kx::Expr* theNotebook) override;
   void writeActionMenu(Zn::String* theLabel, Zn::Array* theItems, const IndexContext& theContext) override;
   void writeCheckbox(int32_t theState, const IndexContext& theContext) override;
   void writeInputField(Zn::String* theValue, const IndexContext& theContext) override;

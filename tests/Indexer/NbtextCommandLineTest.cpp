@@ -113,7 +113,7 @@ TEST(NbtextCommandLineTest, SampleNotebookConverts) {
   auto run = RunNbtext({NBTEXT_SOURCE_DIR "/samples/sample.nb"});
   EXPECT_EQ(run.status, 0) << run.err;
   for (const char* text : {"Orbits of a Damped Pendulum", "course notes <http://example.org/pendulum.html>",
-                           " [X] ", "* Runge-Kutta", "|__0.75__|", "Angle against time"})
+                           " [X]", "* Runge-Kutta", "|__0.75__|", "Angle against time"})
     EXPECT_NE(run.out.find(text), std::string::npos) << text;
 }
 } // namespace

@@ -25,7 +25,7 @@ const Golden kGoldens[] = {
      R"nb(Cell[TextData[{"plain ", StyleBox["bold", FontWeight->"Bold"], " end"}], "Text"])nb",
      "plain bold end\n\n"},
     // The style entry itself writes nothing; its cell still ends with the separator.
-    {"StyleDataProducesNothing", R"nb(Cell[StyleData["Text"], FontSize->12], Cell["x", "Text"])nb", "\n\nx\n\n"},
+    {"StyleDataProducesNothing", R"nb(Cell[StyleData["Text"], FontSize->12], Cell["x", "Text"])nb", "x\n\n"},
     // Rows: operators, commas, brackets.
     {"SpacesAroundBinaryOperators", R"nb(Cell[BoxData[RowBox[{"a", "+", "b", "*", "c"}]], "Input"])nb",
      "a + b * c\n\n"},
@@ -36,7 +36,7 @@ const Golden kGoldens[] = {
      "x == y, x =!= y, x>=y\n\n"},
     {"IndentingNewLineIndentsInsideBrackets",
      R"nb(Cell[BoxData[RowBox[{"Module", "[", RowBox[{RowBox[{"{", "x", "}"}], ",", "\[IndentingNewLine]", RowBox[{"x", "=", "1"}]}], "\[IndentingNewLine]", "]"}]], "Input"])nb",
-     "Module[{x}, \n\tx = 1\n]\n\n"},
+     "Module[{x},\n\tx = 1\n]\n\n"},
     {"NestedBracketsIndentTwice",
      R"nb(Cell[BoxData[RowBox[{"f", "[", "\[IndentingNewLine]", RowBox[{"g", "[", "\[IndentingNewLine]", "x", "\[IndentingNewLine]", "]"}], "\[IndentingNewLine]", "]"}]], "Input"])nb",
      "f[\n\tg[\n\t\tx\n\t]\n]\n\n"},
@@ -52,7 +52,7 @@ const Golden kGoldens[] = {
      R"nb(Cell[BoxData[RowBox[{SuperscriptBox["x", "2"], "+", SubscriptBox["y", "i"]}]], "Output"])nb",
      "x^2 + yi\n\n"},
     {"GridIsTabSeparated", R"nb(Cell[BoxData[GridBox[{{"a", "b"}, {"c", "d"}}]], "Output"])nb",
-     "a\tb\t\nc\td\t\n\n"},
+     "a\tb\nc\td\n\n"},
     {"WrappersShowTheirDisplayedForm",
      R"nb(Cell[BoxData[RowBox[{TagBox["t", "tag"], InterpretationBox["shown", hidden], FormBox["f", TraditionalForm]}]], "Output"])nb",
      "tshownf\n\n"},
@@ -70,7 +70,7 @@ const Golden kGoldens[] = {
     // Controls.
     {"CheckboxStates",
      R"nb(Cell[BoxData[RowBox[{CheckboxBox[True], CheckboxBox[False], CheckboxBox[Dynamic[x]], CheckboxBox[]}]], "Output"])nb",
-     " [X]  [ ]  [-]  [-] \n\n"},
+     " [X]  [ ]  [-]  [-]\n\n"},
     {"RadioButtonsCompareValueAndCurrent",
      R"nb(Cell[BoxData[RowBox[{RadioButtonBox[1, {1}], "one", RadioButtonBox[1, {2}], "two"}]], "Output"])nb",
      " (*) one ( ) two\n\n"},
@@ -79,18 +79,18 @@ const Golden kGoldens[] = {
      "|__abc__||________||__name__|\n\n"},
     {"PopupMenuMarksTheChosenItem",
      R"nb(Cell[BoxData[PopupMenuBox["b", {"a" -> "\"A\"", "b" -> "\"B\"", "c" -> "\"C\""}]], "Output"])nb",
-     "\n\t  A\n\t* B\n\t  C\n\n\n"},
+     "\t  A\n\t* B\n\t  C\n\n"},
     {"PopupMenuSkipsPlainValues",
-     R"nb(Cell[BoxData[PopupMenuBox[Dynamic[m], {"x", "y" -> "Y"}]], "Output"])nb", "\n\t  Y\n\n\n"},
+     R"nb(Cell[BoxData[PopupMenuBox[Dynamic[m], {"x", "y" -> "Y"}]], "Output"])nb", "\t  Y\n\n"},
     {"ActionMenuShowsLabelAndItems",
      R"nb(Cell[BoxData[ActionMenuBox["\"Go\"", {"\"One\"" :> f[], "\"Two\"" :> g[]}]], "Output"])nb",
-     "Go\n\tOne\n\tTwo\n\n\n"},
+     "Go\n\tOne\n\tTwo\n\n"},
     {"SetterShowsLabelOrValue",
      R"nb(Cell[BoxData[RowBox[{SetterBox[Dynamic[x], {1}, "\"one\""], SetterBox[Dynamic[x], "\"two\""]}]], "Output"])nb",
      "onetwo\n\n"},
     {"TabViewShowsEveryTab",
      R"nb(Cell[BoxData[TabViewBox[{{1, "\"P\"" -> "pages"}, {2, "\"Q\"" -> "quires"}}, 2]], "Output"])nb",
-     "\nP\npages\nQ\nquires\n\n\n"},
+     "P\npages\nQ\nquires\n\n"},
     {"PanelShowsItsContents", R"nb(Cell[BoxData[PanelBox["inside"]], "Output"])nb", "inside\n\n"},
     // Buttons and hyperlinks.
     {"PlainButtonShowsItsLabel", R"nb(Cell[BoxData[ButtonBox["Press", ButtonFunction :> f[]]], "Output"])nb",
@@ -107,9 +107,9 @@ const Golden kGoldens[] = {
     // Graphics.
     {"GraphicsShowOnlyTheirLabels",
      R"nb(Cell[BoxData[GraphicsBox[{LineBox[{{0, 0}, {1, 1}}], Text["hidden"]}, AxesLabel->{"t", None}, PlotLabel->FormBox["Orbit", TraditionalForm], FrameLabel->{{None, None}, {None, None}}]], "Output"])nb",
-     "t\nOrbit\n\n\n"},
+     "t\nOrbit\n\n"},
     {"GraphicsWithoutLabelsShowNothing",
-     R"nb(Cell[BoxData[Graphics3DBox[{PolygonBox[{{0, 0, 0}}]}, ImageSize->Small]], "Output"])nb", "\n\n"},
+     R"nb(Cell[BoxData[Graphics3DBox[{PolygonBox[{{0, 0, 0}}]}, ImageSize->Small]], "Output"])nb", ""},
     // Strings: escapes, named characters, quotes.
     {"EscapesShowAsTheCharacters", R"nb(Cell["say \"hi\"\nback\\slash\ttab", "Text"])nb",
      "say \"hi\"\nback\\slash\ttab\n\n"},
@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(Boxes, NotebookTextGoldenTest, testing::ValuesIn(kGolde
 
 TEST(NotebookTextIndexerTest, NoIndentKeepsLinesFlushButMenusIndented) {
   const char* notebook = R"nb(Notebook[{Cell[BoxData[RowBox[{"f", "[", "\[IndentingNewLine]", "x", ",", PopupMenuBox[1, {1 -> "\"a\""}], "\[IndentingNewLine]", "]"}]], "Input"]}])nb";
-  EXPECT_EQ(ConvertNotebook(notebook, {"-noindent"}).out, "f[\nx, \n\t* a\n\n]\n\n");
-  EXPECT_EQ(ConvertNotebook(notebook).out, "f[\n\tx, \n\t\t* a\n\t\n]\n\n");
+  EXPECT_EQ(ConvertNotebook(notebook, {"-noindent"}).out, "f[\nx,\n\t* a\n\n]\n\n");
+  EXPECT_EQ(ConvertNotebook(notebook).out, "f[\n\tx,\n\t\t* a\n\n]\n\n");
 }
 } // namespace

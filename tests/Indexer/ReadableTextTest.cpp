@@ -87,7 +87,7 @@ const Golden kGoldens[] = {
     // Every cell starts flush left; the outline's counts nest.
     {"CellsStartFlushLeft",
      R"nb(Cell[BoxData[RowBox[{"f", "[", "x", "\n", "y"}]], "Input"], Cell["Next", "Section"], Cell[TextData[{"g", Cell[BoxData[RowBox[{"[", "\n"}]]]}], "Text"], Cell["Last", "Text"])nb",
-     "f[x\n\ty\n\nNext\n\ng[\n\t\n\nLast\n\n",
+     "f[x\n\ty\n\nNext\n\ng[\n\nLast\n\n",
      "\n<div class=\"Input\">f[x<br/>\n&#160;&#160;&#160;&#160;y</div>\n<div class=\"Section\">Next</div>"
      "\n<div class=\"Text\">g[<br/>\n&#160;&#160;&#160;&#160;</div>\n<div class=\"Text\">Last</div>"},
     {"OutlineCountsNest",
@@ -112,7 +112,7 @@ const Golden kGoldens[] = {
     // cell of the old kind ends like any other.
     {"EveryCellIsClosed",
      R"nb(Cell[CellGroupData[{Cell["a", "Section"], Cell[GraphicsData["PostScript", "%!"], "Graphics"], Cell["b", "Text"]}, Open], ExpressionUUID -> "9c1f"], Cell["c", "Text"])nb",
-     "a\n\n\n\nb\n\nc\n\n",
+     "a\n\nb\n\nc\n\n",
      "\n<div class=\"Section\">a</div>\n<div class=\"Graphics\"><table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" "
      "border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table></div>\n<div class=\"Text\">b</div>"
      "\n<div class=\"Text\">c</div>"},
@@ -120,6 +120,15 @@ const Golden kGoldens[] = {
     {"FormOfTheBoxesWritesNothing",
      R"nb(Cell[BoxData[RowBox[{"x", "+", "1"}], StandardForm], "Output"], Cell[TextData[{"t"}, TraditionalForm], "Text"])nb",
      "x + 1\n\nt\n\n", "\n<div class=\"Output\">x + 1</div>\n<div class=\"Text\">t</div>"},
+    // No blanks end a line, no more than one empty line stands in a row,
+    // and a picture between two words keeps them apart.
+    {"TextIsTidy",
+     R"nb(Cell[BoxData[GridBox[{{"a", "b"}}]], "Output"], Cell[BoxData[GraphicsBox[{}]], "Output"], Cell["x  \n\n\n\ny", "Text"], Cell[TextData[{"click the", Cell[GraphicsData["Bitmap", "00"]], "button or the", Cell[BoxData[GraphicsBox[{}]]], " menu"}], "Text"])nb",
+     "a\tb\n\nx\n\ny\n\nclick the button or the menu\n\n",
+     "\n<div class=\"Output\"><table border=\"1\">\n<tr><td>a</td><td>b</td></tr></table>\n</div>"
+     "\n<div class=\"Output\"><table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table></div>"
+     "\n<div class=\"Text\">x  <br/>\n<br/>\n<br/>\n<br/>\ny</div>"
+     "\n<div class=\"Text\">click the<table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>button or the<table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table> menu</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};

@@ -55,13 +55,15 @@ bool Writer::writeFormat(const char* theFormat, ...) {
   return ok;
 }
 
-bool Writer::flushSeparator(bool theBreakFollows) {
+bool Writer::flushSeparator(bool theBreakFollows, bool theBlankFollows) {
   const Separator separator = separator_;
   separator_ = kNoSeparator;
   if (separator == kNoSeparator || theBreakFollows || atLineStart_)
     return true;
   if (separator == kLineSeparator)
     return putLineBreak(10);
+  if (theBlankFollows || lastCharacter_ == ' ' || lastCharacter_ == 9)
+    return true;
   if (!writeCharacter(' '))
     return false;
   lastCharacter_ = ' ';
@@ -101,7 +103,7 @@ bool Writer::putLineBreak(ZnUnichar theCharacter) {
 
 bool Writer::putCharacter(ZnUnichar theCharacter) {
   const bool lineBreak = theCharacter == 13 || theCharacter == 10;
-  if (!beginPut(lineBreak))
+  if (!beginPut(theCharacter))
     return false;
   if (lineBreak)
     return putLineBreak(theCharacter);
@@ -137,7 +139,7 @@ template <class CharT> bool Writer::putRun(const CharT* theCharacters, int theCo
 template <class CharT> bool Writer::putText(const CharT* theCharacters, int theCount) {
   if (theCount <= 0)
     return true;
-  if (!beginPut(theCharacters[0] == 13 || theCharacters[0] == 10))
+  if (!beginPut(ZnUnichar(theCharacters[0])))
     return false;
   int runStart = 0;
   for (int i = 0; i < theCount; ++i) {
@@ -173,7 +175,7 @@ bool Writer::putNewlines(int theCount) {
   // This call never writes untranslated breaks, and the switch sticks.
   if (lineEndMode_ == kLineEndAsWritten)
     lineEndMode_ = kLineEndLF;
-  if (theCount > 0 && !beginPut(true))
+  if (theCount > 0 && !beginPut(10))
     return false;
   for (int i = 0; i < theCount; ++i) {
     bool ok;

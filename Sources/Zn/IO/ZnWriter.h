@@ -45,8 +45,8 @@ public:
   /// Asks for theSeparator before the next character put: a space between
   /// two words, a line end between two lines. It is not written when the
   /// text is at the start of a line, or when the next character put is a
-  /// line break, which keeps the pieces apart by itself. A line end wins
-  /// over a space.
+  /// line break, which keeps the pieces apart by itself; a space is not
+  /// written next to a blank either. A line end wins over a space.
   void requestSeparator(Separator theSeparator) {
     if (theSeparator > separator_)
       separator_ = theSeparator;
@@ -56,7 +56,7 @@ public:
   /// Writes the separator asked for now, or drops it when theBreakFollows
   /// (or when the text is at the start of a line). For a caller about to
   /// write around the put operations.
-  bool flushSeparator(bool theBreakFollows);
+  bool flushSeparator(bool theBreakFollows, bool theBlankFollows = false);
   /// How many put operations have written something: compared before and
   /// after a piece of text, it tells whether the piece wrote anything.
   uint32_t getPutCount() const { return putCount_; }
@@ -75,10 +75,12 @@ protected:
   /// Writes a run without line breaks and remembers its last character.
   template <class CharT> bool putRun(const CharT* theCharacters, int theCount);
   template <class CharT> bool putText(const CharT* theCharacters, int theCount);
-  /// Counts a put that writes something and writes the separator before it.
-  bool beginPut(bool theBreakFollows) {
+  /// Counts a put that writes something and writes the separator before
+  /// it, theFirst being the first character put.
+  bool beginPut(ZnUnichar theFirst) {
     ++putCount_;
-    return separator_ == kNoSeparator || flushSeparator(theBreakFollows);
+    return separator_ == kNoSeparator ||
+           flushSeparator(theFirst == 10 || theFirst == 13, theFirst == ' ' || theFirst == 9);
   }
 
   int indentLevel_ = 0;
