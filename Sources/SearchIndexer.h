@@ -68,10 +68,13 @@ public:
   // The operations, in slot order. Handlers take the whole box (head and
   // arguments) and read its arguments by position.
 
-  /// Parses and walks one document. False for input that is empty, begins
-  /// with "<" or "%", does not parse, or is not a Notebook[...]. Exceptions
-  /// of the parser and the handlers pass through.
+  /// Parses and walks one document. False for a document that ReadNotebook
+  /// refuses, with the reason in getRefusalReason. Exceptions of the parser
+  /// and the handlers pass through.
   virtual bool indexStream(Zn::Stream* theStream);
+  /// Borrowed. Why the last indexStream refused its document; null when it
+  /// did not.
+  Zn::String* getRefusalReason() const { return refusalReason_.get(); }
   /// The dispatcher: compares the head with the vocabulary and calls one
   /// handler per box kind; atoms go to indexString.
   virtual void indexBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
@@ -206,6 +209,7 @@ private:
   /// +1. The URL when theBox is a hyperlink button, else null.
   Zn::String* copyHyperlinkURL(Zn::Kx::Expr* theBox);
 
+  Zn::Ref<Zn::String> refusalReason_;
   OutlineCounters namedCounters_;
   ZnIndex inputCellCount_ = 0;
   ZnIndex outputCellCount_ = 0;
