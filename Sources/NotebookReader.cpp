@@ -90,6 +90,7 @@ Expr* ReadNotebook(Zn::Stream* theStream, Zn::Ref<Zn::String>* theReason) {
   auto encoding = adopt(Zn::StringEncodingWithID(Zn::kStringEncodingUTF8));
   auto reader = adopt(new Zn::StreamReader(theStream, encoding.get()));
   ZnUnichar first = 0;
+  // Empty input, and below input of only white space and comments.
   if (!reader->peekCharacter(&first)) {
     *theReason = adopt(new Zn::String("empty input"));
     return nullptr;
@@ -117,6 +118,10 @@ Expr* ReadNotebook(Zn::Stream* theStream, Zn::Ref<Zn::String>* theReason) {
     notebook = adopt(parser->parse());
     if (!notebook) {
       *theReason = adopt(DescribeFailure(parser.get()));
+      return nullptr;
+    }
+    if (parser->wasBlank()) {
+      *theReason = adopt(new Zn::String("empty input"));
       return nullptr;
     }
   }

@@ -63,6 +63,7 @@ Expr* ExprParser::parse() {
   failure_ = Failure::kNone;
   failureMessage_ = nullptr;
   failureRange_ = SourceRange();
+  sawToken_ = false;
   Lexer lexer(this, reader_.get(), 0);
   if (run(&lexer) != 0)
     return nullptr;
@@ -155,7 +156,11 @@ int ExprParser::nextToken(ParseValue* theValue) {
     *theValue = {nullptr, 0};
     return KxUnknown;
   }
-  return lexer_->nextToken(theValue);
+  int token = lexer_->nextToken(theValue);
+  // 0 is the end of the input.
+  if (token != 0 && !isInSubParse())
+    sawToken_ = true;
+  return token;
 }
 
 void ExprParser::reportSyntaxError(const char* theMessage) {

@@ -68,6 +68,9 @@ public:
   /// for a caller that states the failure in its own words. The warnings of
   /// sub-parses are reported either way.
   void setReportsErrors(bool theOn) { reportsErrors_ = theOn; }
+  /// Whether the last parse met nothing but white space and comments (its
+  /// Null then stands for no expression at all).
+  bool wasBlank() const { return !sawToken_; }
 
   /// Parses theText, a box group found inside a string ("\(...\)" or
   /// "\!\(...\)"), on a reader of its own. theRange is where the text lies
@@ -182,6 +185,7 @@ private:
   Failure failure_ = Failure::kNone;
   Ref<String> failureMessage_;
   SourceRange failureRange_;
+  bool sawToken_ = false;
   /// The text of the running sub-parse; null outside one. Borrowed.
   const String* subParseText_ = nullptr;
 };

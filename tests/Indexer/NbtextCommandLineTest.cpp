@@ -187,6 +187,8 @@ TEST(NbtextCommandLineTest, ARefusalSaysWhyOnOneLine) {
     std::string reason;
   } cases[] = {
       {"", "empty input"},
+      {" \r\n\t\n", "empty input"},
+      {"(* Notebook[{Cell[\"x\"]}] *)\n", "empty input"},
       {"<?xml version=\"1.0\"?><notebook/>", "not a notebook: it begins with \"<\""},
       {"%!PS-Adobe-3.0\nNotebook[{}]", "not a notebook: it begins with \"%\""},
       {"(*^\n::[paletteColors = 128]\n^*)", "old plain-text notebook format, which is not read"},
@@ -210,7 +212,7 @@ TEST(NbtextCommandLineTest, ARefusalSaysWhyOnOneLine) {
       {"\"Notebook[{}]\"", "the top expression is a string, not Notebook[...]"},
       {"3.5", "the top expression is a number, not Notebook[...]"},
       {"f[x][Notebook[{}]]", "the top expression is a compound expression, not Notebook[...]"},
-      {"(* Notebook[{Cell[\"x\"]}] *)", "the top expression is Null, not Notebook[...]"},
+      {"Null", "the top expression is Null, not Notebook[...]"},
   };
   TempDir dir;
   for (const auto& c : cases) {

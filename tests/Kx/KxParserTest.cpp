@@ -327,6 +327,13 @@ TEST_F(ExprParserTest, TheFirstErrorIsKeptAndOnlySubParseWarningsAreReported) {
       {R"t({"\!\(\%\)", ]})t", Failure::kSyntax, "syntax error, unexpected ']'", "1:14", 2},
       {R"t({"\!\(\%\)"})t", Failure::kNone, "", "1:1", 2},
   };
+  // Only white space and comments give Null, as "Null" itself does.
+  for (const char* text : {"", " \n(* a *)\t", "Null"}) {
+    auto reader = adopt<Reader>(new StringReader(adopt(new String(text)).get()));
+    auto parser = adopt(new ExprParser(reader.get()));
+    EXPECT_EQ(FullForm(adopt(parser->parse()).get()), "Null");
+    EXPECT_EQ(parser->wasBlank(), text[0] != 'N') << text;
+  }
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text.substr(0, 16));
     sReports.clear();
@@ -337,6 +344,7 @@ TEST_F(ExprParserTest, TheFirstErrorIsKeptAndOnlySubParseWarningsAreReported) {
     auto e = adopt(parser->parse());
     EXPECT_EQ(e.get() != nullptr, c.failure == Failure::kNone);
     EXPECT_EQ(parser->getFailure(), c.failure);
+    EXPECT_FALSE(parser->wasBlank());
     EXPECT_EQ(sReports.size(), c.warnings);
     for (const Report& report : sReports)
       EXPECT_EQ(report.level, kLogLevelNestedParseError);
