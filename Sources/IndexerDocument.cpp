@@ -1,44 +1,17 @@
-//===- IndexerDocument.cpp - Reading a document and the notebook's options -===//
+//===- IndexerDocument.cpp - A document and the notebook's options --------===//
 #include "SearchIndexer.h"
 #include "IndexerVocabulary.h"
-#include "Kx/KxExprParser.h"
-#include "Zn/Base/ZnAssert.h"
+#include "Kx/KxExpr.h"
+#include "NotebookReader.h"
 #include "Zn/Base/ZnString.h"
-#include "Zn/Base/ZnStringEncoding.h"
-#include "Zn/IO/ZnReader.h"
-#include "Zn/IO/ZnStream.h"
 
 using Zn::adopt;
 using Zn::Kx::Expr;
 
-namespace {
-/// Keeps the assertion context for the time of one parse, whatever way the
-/// parse ends.
-class AssertionContextScope {
-public:
-  explicit AssertionContextScope(Zn::String* theContext) { Zn::SetAssertionContext(theContext); }
-  ~AssertionContextScope() { Zn::SetAssertionContext(nullptr); }
-};
-} // namespace
-
 bool SearchIndexer::indexStream(Zn::Stream* theStream) {
-  auto encoding = adopt(Zn::StringEncodingWithID(Zn::kStringEncodingUTF8));
-  auto reader = adopt(new Zn::StreamReader(theStream, encoding.get()));
-  ZnUnichar first = 0;
-  if (!reader->peekCharacter(&first))
-    return false;
-  // HTML, XML and other files that are plainly no notebook are refused
-  // before the parser sees them.
-  if (first == '<' || first == '%')
-    return false;
-
-  Zn::Ref<Expr> notebook;
-  {
-    auto context = adopt(Zn::StringWithFormat("Error while processing file %@:\n\n", theStream->getName()));
-    AssertionContextScope scope(context.get());
-    notebook = adopt(Zn::Kx::ParseExpression(reader.get()));
-  }
-  if (!notebook || !Vocabulary::Notebook.isHeadOf(notebook.get()))
+  refusalReason_ = nullptr;
+  auto notebook = adopt(ReadNotebook(theStream, &refusalReason_));
+  if (!notebook)
     return false;
 
   resetDocumentState();

@@ -1,7 +1,6 @@
 //===- NotebookTextIndexer.cpp - Renders a notebook as plain text ---------===//
 #include "NotebookTextIndexer.h"
 #include "Zn/Base/ZnAssert.h"
-#include "Zn/Base/ZnException.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/Base/ZnStringEncoding.h"
 #include "Zn/Collection/ZnArray.h"
@@ -75,17 +74,4 @@ void NotebookTextIndexer::writeActionMenu(Zn::String* theLabel, Zn::Array* theIt
   if (theLabel)
     theContext.writer->putString(theLabel);
   writeMenuItems(theItems, -1, false, theContext);
-}
-
-bool convertStream(SearchIndexer* theIndexer, Zn::Stream* theStream) {
-  try {
-    if (theIndexer->indexStream(theStream))
-      return true;
-    // A refusal takes the same way out as a failure.
-    throw new Zn::Exception(__FILE__, __LINE__, "%s", "");
-  } catch (Zn::Exception* theException) {
-    auto exception = Zn::adopt(theException);
-    Zn::Log(Zn::kLogLevelError, "could not index file %@", theStream->getName());
-    return false;
-  }
 }

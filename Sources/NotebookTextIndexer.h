@@ -33,8 +33,3 @@ private:
   /// gets "* " and the others two blanks.
   void writeMenuItems(Zn::Array* theItems, int32_t theSelected, bool theMarked, const IndexContext& theContext);
 };
-
-/// Runs the renderer over one stream. A stream that cannot be indexed,
-/// refused or failing with an exception, is logged as "could not index
-/// file <name>" and gives false.
-bool convertStream(SearchIndexer* theIndexer, Zn::Stream* theStream);

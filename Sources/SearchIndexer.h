@@ -72,10 +72,12 @@ public:
   // read its arguments by position; Expr::part gives null for a part that
   // is not there, and indexBox writes nothing for null.
 
-  /// Parses and walks one document. False for input that is empty, begins
-  /// with "<" or "%", does not parse, or is not a Notebook[...]. Exceptions
-  /// of the parser and the handlers pass through.
+  /// Parses and walks one document. False for a document that ReadNotebook
+  /// refuses, with the reason in getRefusalReason.
   virtual bool indexStream(Zn::Stream* theStream);
+  /// Borrowed. Why the last indexStream refused its document; null when it
+  /// did not.
+  Zn::String* getRefusalReason() const { return refusalReason_.get(); }
   /// The dispatcher: looks the head up in the vocabulary and calls the walk
   /// that the list names for it; atoms go to indexString. theBox may be null.
   virtual void indexBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
@@ -213,6 +215,7 @@ private:
   /// +1. The URL when theBox is a hyperlink button, else null.
   Zn::String* copyHyperlinkURL(Zn::Kx::Expr* theBox);
 
+  Zn::Ref<Zn::String> refusalReason_;
   // Per document; resetDocumentState starts them again.
   OutlineCounters namedCounters_;
   bool sawStyleData_ = false;

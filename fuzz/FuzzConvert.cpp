@@ -1,8 +1,8 @@
 //===- FuzzConvert.cpp - Fuzzing the whole conversion of one file ----------===//
 //
 // Input: the bytes of a notebook file. They go through the renderer exactly
-// as nbtext converts a file (convertStream), by the plain-text or the HTML
-// renderer, writing to a stream that forgets what it is given.
+// as nbtext converts a file (SearchIndexer::indexStream), by the plain-text
+// or the HTML renderer, writing to a stream that forgets what it is given.
 //
 //===----------------------------------------------------------------------===//
 #include "FuzzEntryPoints.h"
@@ -31,7 +31,7 @@ int Convert(const uint8_t* theData, size_t theSize, SearchIndexer* (*theCreate)(
   auto indexer = adopt(theCreate(output.get()));
   auto data = adopt(new Data(theData, ZnIndex(theSize)));
   auto input = adopt(Data::createReadStream(data.get()));
-  convertStream(indexer.get(), input.get());
+  indexer->indexStream(input.get());
   return 0;
 }
 } // namespace

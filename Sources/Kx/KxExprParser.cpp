@@ -60,6 +60,10 @@ int ExprParser::run(Lexer* theLexer) {
 Expr* ExprParser::parse() {
   // The tree's many small objects come from large blocks while it is built.
   ObjectHeap::Scope scope;
+  failure_ = Failure::kNone;
+  failureMessage_ = nullptr;
+  failureRange_ = SourceRange();
+  sawToken_ = false;
   Lexer lexer(this, reader_.get(), 0);
   if (run(&lexer) != 0)
     return nullptr;
@@ -118,13 +122,32 @@ int ExprParser::handleError(uint32_t theLevel, const String* theMessage, const S
 }
 
 void ExprParser::refuse(const char* theMessage) {
+  // The lexer refuses for its nesting count as well as for cut-short text.
+  bool tooDeep = lexer_ && lexer_->getNesting() > kMaxNestingDepth;
+  refuse(tooDeep ? Failure::kTooDeep : Failure::kSyntax, theMessage);
+}
+
+void ExprParser::refuse(Failure theKind, const char* theMessage) {
   if (refused_)
     return;
   refused_ = true;
+  reportFailure(theKind, theMessage);
+}
+
+void ExprParser::reportFailure(Failure theKind, const char* theMessage) {
   SourceRange range;
   if (lexer_)
     lexer_->getTokenRange(&range);
-  handleError(kLogLevelError, adopt(new String(theMessage)).get(), &range);
+  auto message = adopt(new String(theMessage));
+  // A sub-parse's failures are warnings about text that stays text, not
+  // failures of this parse.
+  if (!isInSubParse() && failure_ == Failure::kNone) {
+    failure_ = theKind;
+    failureMessage_ = message;
+    failureRange_ = range;
+  }
+  if (reportsErrors_ || isInSubParse())
+    handleError(kLogLevelError, message.get(), &range);
 }
 
 int ExprParser::nextToken(ParseValue* theValue) {
@@ -133,15 +156,17 @@ int ExprParser::nextToken(ParseValue* theValue) {
     *theValue = {nullptr, 0};
     return KxUnknown;
   }
-  return lexer_->nextToken(theValue);
+  int token = lexer_->nextToken(theValue);
+  // 0 is the end of the input.
+  if (token != 0 && !isInSubParse())
+    sawToken_ = true;
+  return token;
 }
 
 void ExprParser::reportSyntaxError(const char* theMessage) {
   if (refused_)
     return;
-  SourceRange range;
-  lexer_->getTokenRange(&range);
-  handleError(kLogLevelError, adopt(new String(theMessage)).get(), &range);
+  reportFailure(Failure::kSyntax, theMessage);
 }
 
 void ExprParser::setResult(ParseValue theValue) {
@@ -166,7 +191,7 @@ ParseValue ExprParser::checked(Expr* theNode, int32_t theDepth) {
     return {theNode, theDepth};
   // The node stays on the stack (actions that follow still find the list
   // they expect) but the parse ends at the next token and keeps nothing.
-  refuse("expression nested too deeply");
+  refuse(Failure::kTooDeep, "expression nested too deeply");
   return {theNode, kMaxExpressionDepth};
 }
 
@@ -282,7 +307,7 @@ ParseValue ExprParser::appendArgument(ParseValue theList, ParseValue theArgument
   arguments_.push(theArgument.expr);
   list.depth = Deeper(list.depth, theArgument.depth + 1);
   if (list.depth > kMaxExpressionDepth) {
-    refuse("expression nested too deeply");
+    refuse(Failure::kTooDeep, "expression nested too deeply");
     list.depth = kMaxExpressionDepth;
   }
   return theList;

@@ -27,7 +27,8 @@ constexpr int32_t kMaxExpressionDepth = 2 * kMaxNestingDepth + 64;
 ///
 /// Usage: `auto parser = adopt(new ExprParser(reader)); auto e = adopt(parser->parse());`
 /// A null result means the input was refused; the reason has been reported
-/// through handleError (by default one log line with the position).
+/// through handleError (by default one log line with the position), and the
+/// first error is kept (getFailure) for a caller that states it itself.
 ///
 /// What the tree holds beyond the operators' heads:
 /// - a "\(...\)" group becomes RowBox[List[elements]], with the box
@@ -49,6 +50,27 @@ public:
   /// input, null when the input is not one well-formed expression, nests
   /// too deeply, or ends inside a string or comment.
   Expr* parse();
+
+  /// Why the last parse gave null.
+  enum class Failure : int32_t {
+    kNone,
+    /// Not one well-formed expression, or cut short inside a string or comment.
+    kSyntax,
+    /// Nesting beyond kMaxNestingDepth, or a tree beyond kMaxExpressionDepth.
+    kTooDeep,
+  };
+  /// The first error of the last parse (warnings of sub-parses aside): its
+  /// kind, its message (borrowed; null with kNone) and where it lies.
+  Failure getFailure() const { return failure_; }
+  const String* getFailureMessage() const { return failureMessage_.get(); }
+  const SourceRange& getFailureRange() const { return failureRange_; }
+  /// With false, the errors of the parse itself are only kept, not reported,
+  /// for a caller that states the failure in its own words. The warnings of
+  /// sub-parses are reported either way.
+  void setReportsErrors(bool theOn) { reportsErrors_ = theOn; }
+  /// Whether the last parse met nothing but white space and comments (its
+  /// Null then stands for no expression at all).
+  bool wasBlank() const { return !sawToken_; }
 
   /// Parses theText, a box group found inside a string ("\(...\)" or
   /// "\!\(...\)"), on a reader of its own. theRange is where the text lies
@@ -72,6 +94,7 @@ public:
   //===--- Called by the lexer --------------------------------------------===//
 
   /// Reports theMessage at the current token and makes the parse fail.
+  /// While the lexer is beyond kMaxNestingDepth the failure is kTooDeep.
   void refuse(const char* theMessage);
   bool isRefused() const { return refused_; }
   AtomTable* getAtoms() { return &atoms_; }
@@ -128,6 +151,11 @@ protected:
   ~ExprParser() override;
 
 private:
+  /// Makes the parse fail with theKind, reporting theMessage at the current
+  /// token; later refusals of the same parse add nothing.
+  void refuse(Failure theKind, const char* theMessage);
+  /// Reports an error of this parse at the current token, keeping the first.
+  void reportFailure(Failure theKind, const char* theMessage);
   /// Runs the generated parser with theLexer; the result is left in result_.
   int run(Lexer* theLexer);
   /// The value of a new node theNode of height theDepth; a node deeper than
@@ -153,6 +181,11 @@ private:
   Lexer* lexer_ = nullptr;
   ParseValue result_ = {nullptr, 0};
   bool refused_ = false;
+  bool reportsErrors_ = true;
+  Failure failure_ = Failure::kNone;
+  Ref<String> failureMessage_;
+  SourceRange failureRange_;
+  bool sawToken_ = false;
   /// The text of the running sub-parse; null outside one. Borrowed.
   const String* subParseText_ = nullptr;
 };

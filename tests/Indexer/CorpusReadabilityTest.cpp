@@ -77,7 +77,7 @@ Rendering RenderText(const std::string& thePath) {
   auto indexer = adopt(new CellNoting<NotebookTextIndexer>(writer.get()));
   indexer->noteOutput(writer.get());
   auto input = adopt(Zn::FilePointerStream::createForReading(thePath.c_str()));
-  EXPECT_TRUE(input && convertStream(indexer.get(), input.get())) << thePath;
+  EXPECT_TRUE(input && indexer->indexStream(input.get())) << thePath;
   Zn::String* out = writer->getString();
   result.out = ZnTest::Utf8(out);
   const auto& starts = indexer->starts();
@@ -94,7 +94,7 @@ Rendering RenderHTML(const std::string& thePath) {
   auto sink = adopt(Zn::Data::createWriteStream(data.get()));
   auto indexer = adopt(new CellNoting<NotebookHTMLIndexer>(sink.get()));
   auto input = adopt(Zn::FilePointerStream::createForReading(thePath.c_str()));
-  EXPECT_TRUE(input && convertStream(indexer.get(), input.get())) << thePath;
+  EXPECT_TRUE(input && indexer->indexStream(input.get())) << thePath;
   result.out = ZnTest::Bytes(data.get());
   // Each cell is a div of its own whose class is its style.
   const std::string open = "<div class=\"";

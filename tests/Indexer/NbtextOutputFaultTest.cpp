@@ -1,8 +1,9 @@
 //===- NbtextOutputFaultTest.cpp - Output that cannot be written -----------===//
 //
 // When the text cannot be delivered (no standard output, a reader that
-// closed the pipe early, a full device) the file is refused: the log line
-// and status 255, never a death by signal.
+// closed the pipe early, a full device) the document is refused: the log
+// line with the system's reason and status 255, never a death by signal.
+// The next file is still attempted, and refused for the same reason.
 //
 //===----------------------------------------------------------------------===//
 #include <gtest/gtest.h>
@@ -19,11 +20,11 @@ struct FaultRun {
   std::string err;
 };
 
-// Runs nbtext on theFile inside theShape, a shell command in which "NBTEXT"
+// Runs nbtext on theFile, twice, inside theShape, a shell command in which "NBTEXT"
 // stands for the converter's command and that leaves its exit status in the
 // file "status" and its standard error in "err".
 FaultRun RunShape(const TempDir& theDir, const std::string& theFile, std::string theShape) {
-  std::string nbtext = std::string(NBTEXT_EMULATOR) + " '" + NBTEXT_BINARY + "' '" + theFile + "' 2>'" +
+  std::string nbtext = std::string(NBTEXT_EMULATOR) + " '" + NBTEXT_BINARY + "' '" + theFile + "' '" + theFile + "' 2>'" +
                        theDir.path() + "/err'; echo $? >'" + theDir.path() + "/status'";
   theShape.replace(theShape.find("NBTEXT"), 6, nbtext);
   int ignored = std::system(("unset ZNLOGFILE; " + theShape).c_str());
@@ -37,15 +38,18 @@ TEST(NbtextOutputFaultTest, EveryWriteFaultIsARefusal) {
   // Far more text than a pipe holds, so that writing goes on after the
   // reader has gone.
   std::string file = dir.write("big.nb", "Notebook[{Cell[\"" + std::string(1 << 20, 'z') + "\", \"Text\"]}]");
-  const struct { const char *what, *shape; } faults[] = {
-      {"closed standard output", "{ NBTEXT; } >&-"},
-      {"pipe closed by the reader", "{ NBTEXT; } | head -c 1 >/dev/null"},
-      {"full device", "{ NBTEXT; } >/dev/full"},
+  const struct { const char *shape, *reason; } faults[] = {
+      // The input file takes the free descriptor 1, open for reading only.
+      {"{ NBTEXT; } >&-", "Bad file descriptor"},
+      {"{ NBTEXT; } | head -c 1 >/dev/null", "Broken pipe"},
+      {"{ NBTEXT; } >/dev/full", "No space left on device"},
   };
+  const std::string announced = "Converting " + file + "\n";
   for (const auto& fault : faults) {
     FaultRun run = RunShape(dir, file, fault.shape);
-    EXPECT_EQ(run.status, "255") << fault.what << ": " << run.err;
-    EXPECT_NE(run.err.find("could not index file " + file + "\n"), std::string::npos) << fault.what;
+    EXPECT_EQ(run.status, "255") << fault.shape << ": " << run.err;
+    const std::string refused = "could not index file " + file + ": writing the output failed: " + fault.reason + "\n";
+    EXPECT_EQ(run.err, announced + refused + announced + refused) << fault.shape;
   }
 }
 } // namespace

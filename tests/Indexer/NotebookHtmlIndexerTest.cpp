@@ -174,6 +174,6 @@ TEST(NotebookHtmlIndexerTest, SeveralNotebooksEachGetTheirOwnPage) {
   // A refused file writes no page at all, not even a head.
   run = NbtextTest::RunNbtext({"-html", first, refused, second});
   EXPECT_EQ(run.status, 255);
-  EXPECT_EQ(run.out, Page("\n<div class=\"Title\">one</div>"));
+  EXPECT_EQ(run.out, Page("\n<div class=\"Title\">one</div>") + Page("\n<div class=\"Text\">two</div>"));
 }
 } // namespace

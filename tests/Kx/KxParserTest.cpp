@@ -302,3 +302,61 @@ TEST_F(ExprParserTest, OperatorChainsThatWouldBuildTooDeepATreeAreRefused) {
   ASSERT_TRUE(list);
   EXPECT_EQ(list->length(), 100001);
 }
+
+// A caller that states a failure itself gets the first error of the parse,
+// its kind and place, and nothing is reported but the warnings of strings
+// whose box groups do not parse.
+TEST_F(ExprParserTest, TheFirstErrorIsKeptAndOnlySubParseWarningsAreReported) {
+  using Failure = ExprParser::Failure;
+  const struct {
+    std::string text;
+    Failure failure;
+    const char* message; // the first error's
+    std::string at;      // its start, line:column, 1-based; "" unchecked
+    size_t warnings;
+  } cases[] = {
+      {"f[a, b]", Failure::kNone, "", "1:1", 0},
+      {"f[a, b]]", Failure::kSyntax, "syntax error, unexpected ']', expecting end of file", "1:8", 0},
+      {"\"x", Failure::kSyntax, "unterminated string", "1:1", 0},
+      {"a (* b", Failure::kSyntax, "unterminated comment", "1:3", 0},
+      {Repeat("{", kMaxNestingDepth + 1), Failure::kTooDeep, "expression nested too deeply",
+       "1:" + std::to_string(kMaxNestingDepth + 1), 0},
+      {Repeat("a^", kMaxExpressionDepth + 1) + "a", Failure::kTooDeep, "expression nested too deeply", "", 0},
+      // A group that does not parse stays text with a warning; the failure
+      // is the parse's own, after it.
+      {R"t({"\!\(\%\)", ]})t", Failure::kSyntax, "syntax error, unexpected ']'", "1:14", 2},
+      {R"t({"\!\(\%\)"})t", Failure::kNone, "", "1:1", 2},
+  };
+  // Only white space and comments give Null, as "Null" itself does.
+  for (const char* text : {"", " \n(* a *)\t", "Null"}) {
+    auto reader = adopt<Reader>(new StringReader(adopt(new String(text)).get()));
+    auto parser = adopt(new ExprParser(reader.get()));
+    EXPECT_EQ(FullForm(adopt(parser->parse()).get()), "Null");
+    EXPECT_EQ(parser->wasBlank(), text[0] != 'N') << text;
+  }
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text.substr(0, 16));
+    sReports.clear();
+    auto reader = adopt<Reader>(new StringReader(adopt(new String(c.text.c_str())).get()));
+    auto parser = adopt(new ExprParser(reader.get()));
+    parser->setErrorHandler(Record);
+    parser->setReportsErrors(false);
+    auto e = adopt(parser->parse());
+    EXPECT_EQ(e.get() != nullptr, c.failure == Failure::kNone);
+    EXPECT_EQ(parser->getFailure(), c.failure);
+    EXPECT_FALSE(parser->wasBlank());
+    EXPECT_EQ(sReports.size(), c.warnings);
+    for (const Report& report : sReports)
+      EXPECT_EQ(report.level, kLogLevelNestedParseError);
+    if (c.failure == Failure::kNone) {
+      EXPECT_EQ(parser->getFailureMessage(), nullptr);
+      continue;
+    }
+    ASSERT_NE(parser->getFailureMessage(), nullptr);
+    EXPECT_TRUE(ZnTest::Utf8(parser->getFailureMessage()).starts_with(c.message));
+    const SourceRange& range = parser->getFailureRange();
+    if (!c.at.empty()) {
+      EXPECT_EQ(std::to_string(range.startLine + 1) + ":" + std::to_string(range.startColumn + 1), c.at);
+    }
+  }
+}

@@ -4,6 +4,7 @@
 #include "Zn/Base/ZnMemory.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/Base/ZnStringEncoding.h"
+#include <cerrno>
 
 namespace Zn {
 
@@ -123,11 +124,28 @@ ZnIndex FilePointerStream::read(uint8_t* theBuffer, ZnIndex theCount, double) {
 ZnIndex FilePointerStream::write(const uint8_t* theBuffer, ZnIndex theCount) {
   if (theCount <= 0)
     return 0;
+  errno = 0;
   ZnIndex put = ZnIndex(std::fwrite(theBuffer, 1, Sys::size_t(theCount), file_));
+  if (put < theCount && error_ == 0)
+    error_ = errno != 0 ? int32_t(errno) : EIO;
   position_ += put;
   if (length_ >= 0 && length_ < position_)
     length_ = position_;
   return put;
+}
+
+bool FilePointerStream::flush() {
+  errno = 0;
+  if (std::fflush(file_) == 0 && !std::ferror(file_))
+    return true;
+  if (error_ == 0)
+    error_ = errno != 0 ? int32_t(errno) : EIO;
+  return false;
+}
+
+void FilePointerStream::clearError() {
+  error_ = 0;
+  std::clearerr(file_);
 }
 
 const char* FilePointerStream::className() const { return "FilePointerStream"; }

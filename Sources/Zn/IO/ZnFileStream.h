@@ -45,6 +45,14 @@ public:
   /// fread: blocks as the file blocks; the time-out is not used.
   ZnIndex read(uint8_t* theBuffer, ZnIndex theCount, double theTimeoutSeconds) override;
   ZnIndex write(const uint8_t* theBuffer, ZnIndex theCount) override;
+  /// Pushes out what the C library holds; false when that fails.
+  bool flush();
+  /// The errno of the first write or flush that failed since the stream was
+  /// made or the error cleared; 0 when none failed. Writes fail quietly on
+  /// the way, and whoever delivers the text states why once at the end.
+  int32_t getError() const { return error_; }
+  /// Forgets the failure, the file's as well, so that the next one counts.
+  void clearError();
   const char* className() const override;
   const char* superclassName() const override;
 
@@ -59,6 +67,7 @@ private:
   FILE* file_;
   int64_t position_ = 0;
   int64_t length_ = -1;
+  int32_t error_ = 0;
   bool closeOnDestroy_;
 };
 } // namespace Zn
