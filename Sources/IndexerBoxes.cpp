@@ -25,7 +25,77 @@ bool isOneCharacterOf(const Expr* theExpr, const char* theCharacters) {
 bool hasText(const Zn::String* theText, const char* theASCII) {
   return theText && theText->compareToCString(theASCII, true) == 0;
 }
+
+/// Whether the items of a row stand inside one pair of matching brackets:
+/// the first opens the pair and the last closes it.
+bool isEnclosed(const Expr* theItems) {
+  static const char kOpening[] = "([{";
+  static const char kClosing[] = ")]}";
+  const ZnIndex count = theItems->length();
+  Zn::String* first = stringText(theItems->part(1));
+  if (count < 2 || !first || first->length() != 1)
+    return false;
+  const ZnUnichar open = first->characterAtIndex(0);
+  int32_t pair = 0;
+  while (pair < 3 && ZnUnichar(kOpening[pair]) != open)
+    ++pair;
+  if (pair == 3)
+    return false;
+  const char opening[2] = {kOpening[pair], 0};
+  const char closing[2] = {kClosing[pair], 0};
+  int32_t depth = 0;
+  for (ZnIndex i = 1; i <= count; ++i) {
+    Zn::String* text = stringText(theItems->part(i));
+    if (hasText(text, opening))
+      ++depth;
+    else if (hasText(text, closing))
+      --depth;
+    if (depth == 0)
+      return i == count;
+  }
+  return false;
+}
 } // namespace
+
+bool SearchIndexer::needsGrouping(const Expr* theBox) {
+  using Vocabulary::BoxKind;
+  while (theBox && !theBox->isAtom()) {
+    const Expr* head = theBox->head();
+    switch (Vocabulary::boxKindOf(head, head->hash())) {
+    case BoxKind::FractionBox:
+      return true;
+    case BoxKind::RowBox: {
+      const Expr* items = theBox->part(1);
+      if (!isList(items) || items->length() == 0)
+        return false;
+      if (items->length() > 1)
+        return !isEnclosed(items);
+      theBox = items->part(1);
+      break;
+    }
+    // Wrappers that add nothing around what they show.
+    case BoxKind::StyleBox:
+    case BoxKind::TagBox:
+    case BoxKind::FormBox:
+    case BoxKind::InterpretationBox:
+    case BoxKind::AdjustmentBox:
+    case BoxKind::ItemBox:
+      theBox = theBox->part(1);
+      break;
+    default:
+      return false;
+    }
+  }
+  return false;
+}
+
+void SearchIndexer::walkGrouped(Expr* theBox, const IndexContext& theContext) {
+  if (!needsGrouping(theBox))
+    return indexBox(theBox, theContext);
+  theContext.writer->putCharacter('(');
+  indexBox(theBox, theContext);
+  theContext.writer->putCharacter(')');
+}
 
 //===--- Dynamic content --------------------------------------------------===//
 
@@ -85,9 +155,9 @@ void SearchIndexer::indexCounterBox(Expr* theBox, const IndexContext& theContext
 void SearchIndexer::indexFractionBox(Expr* theBox, const IndexContext& theContext) {
   if (theBox->length() < 2)
     return;
-  indexBox(theBox->part(1), theContext);
+  walkGrouped(theBox->part(1), theContext);
   theContext.writer->putCharacter('/');
-  indexBox(theBox->part(2), theContext);
+  walkGrouped(theBox->part(2), theContext);
 }
 
 void SearchIndexer::indexGridBox(Expr* theBox, const IndexContext& theContext) {
@@ -213,4 +283,18 @@ void SearchIndexer::indexSuperscriptBox(Expr* theBox, const IndexContext& theCon
   indexBox(theBox->part(1), theContext);
   if (theBox->length() >= 2)
     writeSuperscript(theBox->part(2), theContext);
+}
+
+void SearchIndexer::indexScriptsBox(Expr* theBox, const IndexContext& theContext) {
+  using Vocabulary::BoxKind;
+  if (theBox->length() < 2)
+    return;
+  Expr* head = theBox->head();
+  const BoxKind kind = Vocabulary::boxKindOf(head, head->hash());
+  indexBox(theBox->part(1), theContext);
+  if (kind == BoxKind::OverscriptBox)
+    return writeSuperscript(theBox->part(2), theContext);
+  writeSubscript(theBox->part(2), theContext);
+  if (theBox->length() >= 3 && kind != BoxKind::UnderscriptBox)
+    writeSuperscript(theBox->part(3), theContext);
 }

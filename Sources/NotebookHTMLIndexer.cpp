@@ -148,7 +148,7 @@ const char* NotebookHTMLIndexer::superclassName() const { return "NotebookTextIn
 // A separator that the walk asked for goes out before the markup, escaped:
 // a line end written raw would lose its <br/>.
 void NotebookHTMLIndexer::writeMarkup(Zn::Writer* theWriter, const char* theMarkup) {
-  theWriter->flushSeparator(theMarkup[0] == '\n');
+  theWriter->flushSeparator(theMarkup[0] == '\n' ? 10 : 0);
   htmlEncoding_->setRaw(true);
   theWriter->putBytes(theMarkup);
   htmlEncoding_->setRaw(false);
@@ -157,7 +157,7 @@ void NotebookHTMLIndexer::writeMarkup(Zn::Writer* theWriter, const char* theMark
 void NotebookHTMLIndexer::writeMarkupFormat(Zn::Writer* theWriter, const char* theFormat, ...) {
   va_list args;
   va_start(args, theFormat);
-  theWriter->flushSeparator(theFormat[0] == '\n');
+  theWriter->flushSeparator(theFormat[0] == '\n' ? 10 : 0);
   htmlEncoding_->setRaw(true);
   theWriter->putFormatV(theFormat, args);
   htmlEncoding_->setRaw(false);

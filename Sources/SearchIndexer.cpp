@@ -82,13 +82,22 @@ void SearchIndexer::writeButton(Zn::String* theLabel, const IndexContext& theCon
   theContext.writer->putString(theLabel);
 }
 
+// Scripts in the linear notation: x1, x_(i + 1), x^2, x^(n + 1). A letter
+// or digit right after a script would read as part of it: "TX^2 2AX".
 void SearchIndexer::writeSubscript(Expr* theScript, const IndexContext& theContext) {
-  indexBox(theScript, theContext);
+  if (needsGrouping(theScript)) {
+    theContext.writer->putCharacter('_');
+    walkGrouped(theScript, theContext);
+  } else {
+    indexBox(theScript, theContext);
+  }
+  theContext.writer->requestSeparator(Zn::Writer::kWordSeparator);
 }
 
 void SearchIndexer::writeSuperscript(Expr* theScript, const IndexContext& theContext) {
   theContext.writer->putCharacter('^');
-  indexBox(theScript, theContext);
+  walkGrouped(theScript, theContext);
+  theContext.writer->requestSeparator(Zn::Writer::kWordSeparator);
 }
 
 void SearchIndexer::writeTabView(Zn::Array* theLabels, Zn::Array* theContents, int32_t,

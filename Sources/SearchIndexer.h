@@ -86,6 +86,10 @@ public:
   /// +1. The box with the code of input cells marked up by style boxes; see
   /// CodeDecorator.h for what is marked. theIsCode treats theBox itself as code.
   virtual Zn::Kx::Expr* decorateBox(Zn::Kx::Expr* theBox, bool theIsCode);
+  /// Whether theBox, written in the linear notation, needs parentheses to
+  /// stay one operand: a row of several items that its own brackets do not
+  /// enclose, or a fraction (through wrappers that add nothing around it).
+  static bool needsGrouping(const Zn::Kx::Expr* theBox);
   /// Whether theBox is a cell whose contents decorateBox marks up as code
   /// (style "Input" or "Code").
   static bool isCodeCell(Zn::Kx::Expr* theBox);
@@ -153,6 +157,9 @@ public:
   virtual void writeSubscript(Zn::Kx::Expr* theScript, const IndexContext& theContext);
   virtual void indexSuperscriptBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   virtual void writeSuperscript(Zn::Kx::Expr* theScript, const IndexContext& theContext);
+  /// A base with scripts below and above it, or beside it: the one below
+  /// (or after) goes to writeSubscript, the one above to writeSuperscript.
+  virtual void indexScriptsBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   virtual void indexTabViewBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   /// theLabels and theContents hold boxes, at least one of each and as many
   /// of one as of the other; theSelected is one of their indices.
@@ -177,6 +184,8 @@ protected:
   /// one runs into the next.
   void walkPieces(Zn::Kx::Expr* theBox, ZnIndex theFirst, Zn::Writer::Separator theSeparator,
                   const IndexContext& theContext);
+  /// Walks theBox, in parentheses where needsGrouping says so.
+  void walkGrouped(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   /// Writes text that is already resolved, through the character encoding.
   void writeResolvedText(const ZnUnichar* theCharacters, ZnIndex theLength, const IndexContext& theContext);
 

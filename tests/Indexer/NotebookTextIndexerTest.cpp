@@ -44,8 +44,8 @@ const Golden kGoldens[] = {
      R"nb(Cell[BoxData[RowBox[{"f", "[", RowBox[{"\[IndentingNewLine]", "x"}], "]"}]], "Input"])nb",
      "f[\nx]\n\n"},
     // Two-dimensional boxes.
-    {"FractionHasNoParentheses", R"nb(Cell[BoxData[FractionBox[RowBox[{"a", "+", "b"}], "2"]], "Output"])nb",
-     "a + b/2\n\n"},
+    {"FractionGroupsACompoundNumerator", R"nb(Cell[BoxData[FractionBox[RowBox[{"a", "+", "b"}], "2"]], "Output"])nb",
+     "(a + b)/2\n\n"},
     {"SquareRootSign", R"nb(Cell[BoxData[SqrtBox["x"]], "Output"])nb", "\xE2\x88\x9Ax\n\n"},
     {"RadicalWithIndex", R"nb(Cell[BoxData[RadicalBox["x", "3"]], "Output"])nb", "(x)^(1/3)\n\n"},
     {"SuperscriptAndSubscript",

@@ -129,6 +129,18 @@ const Golden kGoldens[] = {
      "\n<div class=\"Output\"><table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table></div>"
      "\n<div class=\"Text\">x  <br/>\n<br/>\n<br/>\n<br/>\ny</div>"
      "\n<div class=\"Text\">click the<table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>button or the<table width=\"320\" height=\"240\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table> menu</div>"},
+    // Compound parts of fractions and scripts keep their grouping in the
+    // linear notation; a script stays apart from a word right after it.
+    {"GroupingIsKept",
+     R"nb(Cell[BoxData[RowBox[{FractionBox["192", RowBox[{"1", "+", "n"}]], ",", FractionBox[RowBox[{"(", RowBox[{"a", "+", "b"}], ")"}], FractionBox["1", "2"]], ",", SuperscriptBox["x", RowBox[{"n", "+", "1"}]], ",", SubscriptBox["x", RowBox[{"i", "+", "1"}]], ",", SubscriptBox["x", "1"], ",", RowBox[{SuperscriptBox["TX", "2"], "2", "AX"}]}]], "Output"])nb",
+     "192/(1 + n), (a + b)/(1/2), x^(n + 1), x_(i + 1), x1, TX^2 2AX\n\n",
+     "\n<div class=\"Output\">192/(1 + n), (a + b)/(1/2), x<sup>n + 1</sup>, x<sub>i + 1</sub>, x<sub>1</sub>, "
+     "TX<sup>2</sup>2AX</div>"},
+    {"ScriptsBelowAndAbove",
+     R"nb(Cell[BoxData[RowBox[{SubsuperscriptBox["x", "i", "2"], ",", UnderoverscriptBox["\[Sum]", RowBox[{"i", "=", "1"}], "n"], ",", UnderscriptBox["lim", RowBox[{"x", "\[Rule]", "0"}]], ",", OverscriptBox["v", "\[RightVector]"]}]], "Output"])nb",
+     "xi^2, \u2211_(i = 1)^n, lim_(x->0), v^\u21C0\n\n",
+     "\n<div class=\"Output\">x<sub>i</sub><sup>2</sup>, \u2211<sub>i = 1</sub><sup>n</sup>, lim<sub>x-&gt;0</sub>, "
+     "v<sup>\u21C0</sup></div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};

@@ -55,14 +55,29 @@ bool Writer::writeFormat(const char* theFormat, ...) {
   return ok;
 }
 
-bool Writer::flushSeparator(bool theBreakFollows, bool theBlankFollows) {
+namespace {
+bool isBlank(ZnUnichar theCharacter) { return theCharacter == ' ' || theCharacter == 9; }
+
+/// Letters and digits of any script: ASCII ones, and the characters from
+/// Latin-1's letters on, outside the punctuation, arrows and operators.
+bool isWordCharacter(ZnUnichar theCharacter) {
+  const ZnUnichar c = theCharacter;
+  if (c < 128)
+    return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z');
+  return c >= 0xC0 && c != 0xD7 && c != 0xF7 && !(c >= 0x2000 && c <= 0x2BFF) && !(c >= 0x3000 && c <= 0x303F);
+}
+} // namespace
+
+bool Writer::flushSeparator(ZnUnichar theNext) {
   const Separator separator = separator_;
   separator_ = kNoSeparator;
-  if (separator == kNoSeparator || theBreakFollows || atLineStart_)
+  if (separator == kNoSeparator || theNext == 10 || theNext == 13 || atLineStart_)
     return true;
   if (separator == kLineSeparator)
     return putLineBreak(10);
-  if (theBlankFollows || lastCharacter_ == ' ' || lastCharacter_ == 9)
+  if (isBlank(theNext) || isBlank(lastCharacter_))
+    return true;
+  if (separator == kWordSeparator && !isWordCharacter(theNext))
     return true;
   if (!writeCharacter(' '))
     return false;

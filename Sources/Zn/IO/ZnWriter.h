@@ -41,7 +41,8 @@ public:
   bool putFormatV(const char* theFormat, va_list theArgs);
 
   /// What keeps two pieces of text apart that must not run together.
-  enum Separator : uint8_t { kNoSeparator = 0, kSpaceSeparator = 1, kLineSeparator = 2 };
+  /// kWordSeparator is a space written only before a letter or a digit.
+  enum Separator : uint8_t { kNoSeparator = 0, kWordSeparator = 1, kSpaceSeparator = 2, kLineSeparator = 3 };
   /// Asks for theSeparator before the next character put: a space between
   /// two words, a line end between two lines. It is not written when the
   /// text is at the start of a line, or when the next character put is a
@@ -53,10 +54,10 @@ public:
   }
   /// Drops the separator asked for, if it was not written yet.
   void cancelSeparator() { separator_ = kNoSeparator; }
-  /// Writes the separator asked for now, or drops it when theBreakFollows
-  /// (or when the text is at the start of a line). For a caller about to
-  /// write around the put operations.
-  bool flushSeparator(bool theBreakFollows, bool theBlankFollows = false);
+  /// Writes the separator asked for now, or drops it as the next character
+  /// theNext says (0 for one that is neither a break, a blank nor part of a
+  /// word). For a caller about to write around the put operations.
+  bool flushSeparator(ZnUnichar theNext);
   /// How many put operations have written something: compared before and
   /// after a piece of text, it tells whether the piece wrote anything.
   uint32_t getPutCount() const { return putCount_; }
@@ -79,8 +80,7 @@ protected:
   /// it, theFirst being the first character put.
   bool beginPut(ZnUnichar theFirst) {
     ++putCount_;
-    return separator_ == kNoSeparator ||
-           flushSeparator(theFirst == 10 || theFirst == 13, theFirst == ' ' || theFirst == 9);
+    return separator_ == kNoSeparator || flushSeparator(theFirst);
   }
 
   int indentLevel_ = 0;

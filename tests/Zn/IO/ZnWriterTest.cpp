@@ -82,9 +82,21 @@ TEST_F(WriterTest, SeparatorGoesOutOnlyBetweenTwoPiecesOfText) {
   writer->cancelSeparator();
   writer->putBytes("f");
   writer->requestSeparator(Writer::kSpaceSeparator);
-  EXPECT_TRUE(writer->flushSeparator(false));
+  EXPECT_TRUE(writer->flushSeparator(0));
   writer->writeCharacter('g');
-  EXPECT_EQ(ZnTest::Utf8(writer->getString()), "a b\n\tc\n\td\n\tef g");
+  // No space next to a blank; a word separator only before a letter or digit.
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->putBytes(" h");
+  writer->putBytes("i ");
+  writer->requestSeparator(Writer::kSpaceSeparator);
+  writer->putBytes("j");
+  writer->requestSeparator(Writer::kWordSeparator);
+  writer->putBytes("2");
+  writer->requestSeparator(Writer::kWordSeparator);
+  writer->putBytes("+");
+  writer->requestSeparator(Writer::kWordSeparator);
+  writer->putCharacter(0x3B1);
+  EXPECT_EQ(ZnTest::Utf8(writer->getString()), "a b\n\tc\n\td\n\tef g hi j 2+ \u03B1");
 
   // Only puts that write something count.
   const uint32_t before = writer->getPutCount();
