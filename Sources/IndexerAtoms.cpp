@@ -4,6 +4,7 @@
 #include "IndexerVocabulary.h"
 #include "Kx/KxEncoding.h"
 #include "Kx/KxExpr.h"
+#include "Kx/KxNumber.h"
 #include "Kx/KxSymbol.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/IO/ZnWriter.h"
@@ -58,7 +59,9 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
   }
   Zn::String* text = stringText(theLeaf);
   if (!text) {
-    auto value = adopt(theLeaf->stringValue());
+    // A number as the file writes it, not through a fixed format.
+    auto real = dynamic_cast<const Zn::Kx::MachineReal*>(theLeaf);
+    auto value = adopt(real ? real->shortestText() : theLeaf->stringValue());
     writeResolvedText(value->getCharactersPtr(), value->length(), theContext);
     return;
   }

@@ -67,7 +67,8 @@ static void kxerror(Zn::Kx::ExprParser* theParser, const char* theMessage) {
 %union { Zn::Kx::ParseValue value; }
 
 /* Atoms and ready-made expressions. KxBigInteger and KxBigReal keep their
-   codes but are never returned: long literals wrap to machine numbers. */
+   codes but are never returned: an integer literal too long for a machine
+   integer comes as a KxMachineInteger token whose value is a BigInteger. */
 %token KxUnknown 999
 %token <value> KxMachineInteger 1000
 %token KxBigInteger 1001

@@ -600,6 +600,8 @@ namespace {
 struct NumberDigits {
   int32_t base = 10;
   uint32_t integer = 0;
+  /// Whether the digits say more than a signed 32-bit integer holds.
+  bool tooLarge = false;
   /// Base 10: up to 19 significant digits, and the power of ten to apply.
   uint64_t mantissa = 0;
   int32_t mantissaDigits = 0;
@@ -611,6 +613,7 @@ struct NumberDigits {
   bool sawPoint = false;
 
   void add(int32_t theDigit) {
+    tooLarge = tooLarge || integer > (uint32_t(INT32_MAX) - uint32_t(theDigit)) / uint32_t(base);
     integer = integer * uint32_t(base) + uint32_t(theDigit);
     if (base != 10) {
       if (sawPoint) {
@@ -768,6 +771,16 @@ int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
   if (isReal) {
     theValue->expr = new MachineReal(RealValue(digits, exponent, text_.get()));
     return KxMachineReal;
+  }
+  if (digits.tooLarge) {
+    // Kept as written: a machine integer would wrap around.
+    auto written = adopt(new MutableString(text_->length() + 4));
+    if (digits.base != 10)
+      written->appendFormat("%d^^", int(digits.base));
+    written->appendString(text_.get());
+    auto frozen = adopt(String::createWithCharacters(written->getCharactersPtr(), written->length()));
+    theValue->expr = new BigInteger(frozen.get(), RealValue(digits, 0, text_.get()));
+    return KxMachineInteger;
   }
   theValue->expr = parser_->getAtoms()->integer(int32_t(digits.integer));
   return KxMachineInteger;

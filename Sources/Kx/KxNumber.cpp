@@ -5,6 +5,9 @@
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/IO/ZnWriter.h"
+#include <charconv>
+#include <cmath>
+#include <cstring>
 
 namespace Zn::Kx {
 
@@ -83,6 +86,29 @@ void MachineReal::writeFullForm(Writer* theWriter) const {
   char text[330];
   StringFormat(text, sizeof text, "%f", value_);
   WriteASCII(theWriter, text);
+}
+
+String* MachineReal::shortestText() const {
+  char text[64];
+  auto [end, error] = std::to_chars(text, text + sizeof text - 1, value_);
+  *(error == std::errc() ? end : text) = 0;
+  auto result = adopt(new MutableString(32));
+  char* exponent = std::isfinite(value_) ? std::strchr(text, 'e') : nullptr;
+  if (exponent)
+    *exponent++ = 0;
+  result->appendCString(text);
+  if (std::isfinite(value_) && !std::strchr(text, '.'))
+    result->appendCharacter('.');
+  if (exponent) {
+    const bool negative = *exponent == '-';
+    if (*exponent == '-' || *exponent == '+')
+      ++exponent;
+    while (exponent[0] == '0' && exponent[1])
+      ++exponent;
+    result->appendCString(negative ? "*^-" : "*^");
+    result->appendCString(exponent);
+  }
+  return result.leak();
 }
 
 const char* MachineReal::className() const { return "MachineReal"; }

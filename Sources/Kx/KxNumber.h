@@ -78,6 +78,9 @@ public:
   Expr* negated() const override;
   /// Six decimals, as "%f" gives them.
   void writeFullForm(Writer* theWriter) const override;
+  /// +1. The shortest text that reads back as the same value, as the
+  /// notation writes a real: "2.", "0.4", "6.02*^23", "1.5*^-10".
+  String* shortestText() const;
   const char* className() const override;
   const char* superclassName() const override;
 

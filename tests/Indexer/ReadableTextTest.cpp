@@ -141,6 +141,12 @@ const Golden kGoldens[] = {
      "xi^2, \u2211_(i = 1)^n, lim_(x->0), v^\u21C0\n\n",
      "\n<div class=\"Output\">x<sub>i</sub><sup>2</sup>, \u2211<sub>i = 1</sub><sup>n</sup>, lim<sub>x-&gt;0</sub>, "
      "v<sup>\u21C0</sup></div>"},
+    // Numbers that are no strings are written as the file writes them.
+    {"NumbersAsWritten",
+     R"nb(Cell[BoxData[RowBox[{17597065061419045402, ",", 123456789012345678901234567890, ",", 6.02*^23, ",", 1.5*^-10, ",", 3.14159265, ",", 2., ",", -7}]], "Output"])nb",
+     "17597065061419045402, 123456789012345678901234567890, 6.02*^23, 1.5*^-10, 3.14159265, 2., -7\n\n",
+     "\n<div class=\"Output\">17597065061419045402, 123456789012345678901234567890, 6.02*^23, 1.5*^-10, 3.14159265, "
+     "2., -7</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};

@@ -197,3 +197,15 @@ TEST_F(ExprDeathTest, BrokenPreconditionsAreReported) {
   EXPECT_EXIT(new Symbol(static_cast<const char*>(nullptr)), testing::ExitedWithCode(255), "theASCIIName != NULL");
   EXPECT_EXIT(new CharacterString(nullptr, true), testing::ExitedWithCode(255), "theValue != NULL");
 }
+
+TEST_F(ExprTest, RealsWriteTheirShortestText) {
+  const struct {
+    double value;
+    const char* text;
+  } cases[] = {{2.0, "2."},          {0.4, "0.4"},        {-3.14159265, "-3.14159265"}, {6.02e23, "6.02*^23"},
+               {1.5e-10, "1.5*^-10"}, {1e100, "1.*^100"}, {0.262745, "0.262745"},     {0.0, "0."}};
+  for (const auto& c : cases) {
+    auto real = adopt(new MachineReal(c.value));
+    EXPECT_EQ(ZnTest::Utf8(adopt(real->shortestText()).get()), c.text);
+  }
+}

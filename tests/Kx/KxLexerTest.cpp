@@ -139,7 +139,11 @@ TEST_F(LexerTest, NamesSlotsOutputsAndBlanks) {
 TEST_F(LexerTest, NumbersOfEveryForm) {
   const Case cases[] = {
       {"0 42 007", {KxMachineInteger, KxMachineInteger, KxMachineInteger}, "0|42|7"},
-      {"3000000000", {KxMachineInteger}, "-1294967296"}, // wraps at 32 bits
+      // Too long for a machine integer: kept as written.
+      {"2147483647", {KxMachineInteger}, "2147483647"},
+      {"2147483648", {KxMachineInteger}, "2147483648"},
+      {"17597065061419045402", {KxMachineInteger}, "17597065061419045402"},
+      {"16^^FFFFFFFFF", {KxMachineInteger}, "16^^FFFFFFFFF"},
       {"600. .5 0.1", {KxMachineReal, KxMachineReal, KxMachineReal}, "600.000000|0.500000|0.100000"},
       {"16^^ff 2^^101 36^^z 40^^10 1^^11", {KxMachineInteger, KxMachineInteger, KxMachineInteger,
                                             KxMachineInteger, KxMachineInteger}, "255|5|35|36|3"},
