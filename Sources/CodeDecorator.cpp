@@ -1,6 +1,7 @@
 //===- CodeDecorator.cpp - Marks up the code of input cells ---------------===//
 #include "CodeDecorator.h"
 #include "IndexerVocabulary.h"
+#include "MapArguments.h"
 #include "Kx/KxFunction.h"
 #include "Kx/KxNumber.h"
 #include "Kx/KxString.h"
@@ -99,29 +100,6 @@ bool isCommentText(const Zn::String* theText) {
   return n >= 4 && t[0] == '(' && t[1] == '*' && t[n - 2] == '*' && t[n - 1] == ')';
 }
 
-/// +1. theBox with every argument from theFirst on replaced by what
-/// theChange (which returns +1) makes of it; theBox itself, retained, when
-/// nothing changed.
-template <class Change> Expr* mapArguments(Expr* theBox, ZnIndex theFirst, Change theChange) {
-  const ZnIndex count = theBox->length();
-  ZnIndex i = theFirst;
-  Zn::Ref<Expr> first;
-  for (; i <= count; ++i) {
-    first = adopt(theChange(theBox->part(i)));
-    if (first.get() != theBox->part(i))
-      break;
-  }
-  if (i > count)
-    return Zn::retained(theBox).leak();
-  auto copy = adopt(new Zn::Kx::MutableFunction(2, theBox->head()));
-  for (ZnIndex j = 1; j < i; ++j)
-    copy->appendArgument(theBox->part(j), true);
-  copy->appendArgument(first.get(), true);
-  for (ZnIndex j = i + 1; j <= count; ++j)
-    copy->appendArgument(adopt(theChange(theBox->part(j))).get(), true);
-  return static_cast<Expr*>(copy->copy());
-}
-
 class CodeDecorator {
 public:
   /// +1.
@@ -151,7 +129,7 @@ Expr* CodeDecorator::decorate(Expr* theBox) {
     return Zn::retained(theBox).leak();
   if (RowBox.matches(head) && theBox->length() >= 1 && isList(theBox->part(1)))
     return decorateRow(theBox);
-  return mapArguments(theBox, 1, [this](Expr* theArgument) { return decorate(theArgument); });
+  return MapArguments(theBox, 1, [this](Expr* theArgument) { return decorate(theArgument); });
 }
 
 Expr* CodeDecorator::decorateRow(Expr* theRow) {
@@ -211,7 +189,7 @@ Expr* CodeDecorator::decorateScope(Expr* theArguments, bool theVariablesFirst) {
     return theVariablesFirst ? markVariables(theArguments, false) : decorate(theArguments);
   Expr* items = theArguments->part(1);
   ZnIndex position = 0;
-  auto marked = mapArguments(items, 1, [&](Expr* theItem) {
+  auto marked = MapArguments(items, 1, [&](Expr* theItem) {
     if (isItem(theItem, marks_.comma))
       return Zn::retained(theItem).leak();
     ++position;
@@ -238,7 +216,7 @@ Expr* CodeDecorator::markVariables(Expr* theList, bool theIterator) {
   if (Vocabulary::RowBox.isHeadOf(inner) && inner->length() >= 1 && isList(inner->part(1))) {
     Expr* items = inner->part(1);
     ZnIndex position = 0;
-    auto list = adopt(mapArguments(items, 1, [&](Expr* theItem) {
+    auto list = adopt(MapArguments(items, 1, [&](Expr* theItem) {
       if (isItem(theItem, marks_.comma))
         return Zn::retained(theItem).leak();
       ++position;
@@ -282,7 +260,7 @@ Expr* DecorateCode(Expr* theBox) { return CodeDecorator().decorate(theBox); }
 Expr* DecorateCodeCell(Expr* theCell) {
   CodeDecorator decorator;
   ZnIndex position = 0;
-  return mapArguments(theCell, 1, [&](Expr* theArgument) {
+  return MapArguments(theCell, 1, [&](Expr* theArgument) {
     return ++position == 1 ? decorator.decorate(theArgument) : Zn::retained(theArgument).leak();
   });
 }

@@ -18,6 +18,8 @@ bool SearchIndexer::indexStream(Zn::Stream* theStream) {
   IndexContext context;
   context.writer = writer_;
   readNotebookOptions(notebook.get(), context);
+  // A style sheet's own entries come after those of the one it embeds.
+  noteDisplayFunctions(notebook->part(1));
   beginDocument(notebook.get());
   indexCellList(notebook->part(1), context);
   if (sawStyleData_)
@@ -37,6 +39,8 @@ void SearchIndexer::readNotebookOptions(Expr* theNotebook, const IndexContext& t
     if (Evaluator.matches(name)) {
       setEvaluator(adopt(value->stringValue()).get());
     } else if (StyleDefinitions.matches(name)) {
+      if (Notebook.isHeadOf(value))
+        noteDisplayFunctions(value->part(1));
       setStyleDefinitions(value);
     } else if (FrontEndVersion.matches(name)) {
       setFrontEndVersion(adopt(value->stringValue()).get());

@@ -13,6 +13,7 @@
 #include "Kx/KxExpr.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/Collection/ZnArray.h"
+#include "Zn/Collection/ZnDictionary.h"
 #include "Zn/IO/ZnWriter.h"
 
 using Zn::adopt;
@@ -32,6 +33,8 @@ const char* SearchIndexer::superclassName() const { return "Zn::Object"; }
 void SearchIndexer::resetDocumentState() {
   namedCounters_.reset();
   sawStyleData_ = false;
+  displayFunctions_ = nullptr;
+  templateDepth_ = 0;
   labelDepth_ = 0;
   if (writer_) {
     writer_->cancelSeparator();

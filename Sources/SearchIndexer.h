@@ -161,6 +161,9 @@ public:
   /// (or after) goes to writeSubscript, the one above to writeSuperscript.
   virtual void indexScriptsBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   virtual void indexTabViewBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
+  /// Shown by its display function when the notebook has one for it, else
+  /// in the page form of its tag (see IndexerTemplates.cpp).
+  virtual void indexTemplateBox(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   /// theLabels and theContents hold boxes, at least one of each and as many
   /// of one as of the other; theSelected is one of their indices.
   virtual void writeTabView(Zn::Array* theLabels, Zn::Array* theContents, int32_t theSelected,
@@ -213,6 +216,11 @@ private:
   void walkPieces(Zn::Kx::Expr* theBox, const IndexContext& theContext);
 
   void readNotebookOptions(Zn::Kx::Expr* theNotebook, const IndexContext& theContext);
+  /// Keeps the display functions that the StyleData cells among theCells
+  /// give their template tags.
+  void noteDisplayFunctions(Zn::Kx::Expr* theCells);
+  void writeTemplateForm(Zn::Kx::Expr* theArguments, Zn::String* theTag, const IndexContext& theContext);
+  void writeMessage(Zn::Kx::Expr* theArguments, const IndexContext& theContext);
   /// Walks a cell list: theCells (a list, or one element), each element
   /// that is a Cell as a cell of the notebook.
   void indexCellList(Zn::Kx::Expr* theCells, const IndexContext& theContext);
@@ -228,6 +236,10 @@ private:
   // Per document; resetDocumentState starts them again.
   OutlineCounters namedCounters_;
   bool sawStyleData_ = false;
+  /// Template tags to display functions; null until one is met.
+  Zn::Ref<Zn::MutableDictionary> displayFunctions_;
+  /// How many display functions are being applied, one inside the other.
+  ZnIndex templateDepth_ = 0;
 
   bool indent_ = true;
   /// How many stringForBox calls are under way, one inside the other.

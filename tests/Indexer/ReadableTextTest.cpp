@@ -50,7 +50,7 @@ const Golden kGoldens[] = {
      "\n<div class=\"Input\">a = 1<br/>\nb = 2</div>\n<div class=\"Input\">c;<br/>\nd;<br/>\ne</div>"},
     {"TooltipAndTemplateArgumentsAreSeparateWords",
      R"nb(Cell[BoxData[RowBox[{TooltipBox["shown", "tip", TooltipStyle -> "TextStyling"], "+", TemplateBox[{"With", "doc:ref/With"}, "RefLink", BaseStyle -> "Documentation"]}]], "Output"])nb",
-     "shown tip + With doc:ref/With\n\n", "\n<div class=\"Output\">shown tip + With doc:ref/With</div>"},
+     "shown tip + With\n\n", "\n<div class=\"Output\">shown tip + With</div>"},
     {"SettingsWriteNothingInTheGeneralWalk",
      R"nb(Cell[BoxData[LabelBox["image.", LabelStyle -> {FontFamily -> "Verdana", FontSize -> 10}, "end", x :> y]], "Output"])nb",
      "image. end\n\n", "\n<div class=\"Output\">image. end</div>"},
