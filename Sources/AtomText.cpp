@@ -1,7 +1,7 @@
 //===- AtomText.cpp - What the text of an atom says to a reader -----------===//
 #include "AtomText.h"
 #include "IndexerVocabulary.h"
-#include "Kx/KxEncoding.h"
+#include "Kx/KxEscape.h"
 #include "Kx/KxExprParser.h"
 #include "Kx/KxString.h"
 #include "Zn/Base/ZnString.h"
@@ -12,18 +12,6 @@ using Zn::retained;
 using Zn::Kx::Expr;
 
 namespace {
-
-/// The value of theDigits hexadecimal digits at theText, or -1.
-int32_t hexNumber(const ZnUnichar* theText, ZnIndex theDigits) {
-  int32_t value = 0;
-  for (ZnIndex i = 0; i < theDigits; ++i) {
-    const int32_t digit = Zn::DigitValue(theText[i]);
-    if (digit >= 16)
-      return -1;
-    value = value * 16 + digit;
-  }
-  return value;
-}
 
 /// Whether a box group ("\\(" or "\\!\\(") opens at theIndex, a backslash.
 bool opensBoxGroup(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex) {
@@ -83,6 +71,20 @@ Expr* parseQuietly(const ZnUnichar* theText, ZnIndex theLength, bool theUnescape
   return result.leak();
 }
 
+/// Appends what the escape whose backslash is at theIndex stands for to
+/// theResult; returns the index after it. A backslash that starts no escape,
+/// or one that the text cuts short, is text like any other character.
+ZnIndex resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex, Zn::MutableString* theResult) {
+  using Zn::Kx::Escape;
+  const Escape escape = Escape::decode(theText + theIndex + 1, theLength - theIndex - 1, Escape::kAllForms);
+  if (escape.kind == Escape::kCharacter)
+    theResult->appendCharacter(escape.character);
+  if (escape.kind == Escape::kCharacter || escape.kind == Escape::kNothing)
+    return theIndex + 1 + escape.length;
+  theResult->appendCharacter('\\');
+  return theIndex + 1;
+}
+
 bool isBoxExpression(const Expr* theExpr) {
   auto head = theExpr && !theExpr->isAtom() ? theExpr->head()->asSymbol() : nullptr;
   if (!head)
@@ -97,50 +99,6 @@ bool isBoxExpression(const Expr* theExpr) {
 namespace AtomText {
 
 //===--- Escapes ----------------------------------------------------------===//
-
-ZnIndex resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex, Zn::MutableString* theResult) {
-  // theText[theIndex] is a backslash with at least one character after it.
-  const ZnUnichar next = theText[theIndex + 1];
-  switch (next) {
-  case '"':
-  case '\\': theResult->appendCharacter(next); return theIndex + 2;
-  case 'n':
-  case 'r': theResult->appendCharacter(10); return theIndex + 2;
-  case 't': theResult->appendCharacter(9); return theIndex + 2;
-  // String markers and line continuations show nothing.
-  case '<':
-  case '>':
-  case 10: return theIndex + 2;
-  case 13: return theIndex + 2 < theLength && theText[theIndex + 2] == 10 ? theIndex + 3 : theIndex + 2;
-  case '[': {
-    ZnIndex close = theIndex + 2;
-    while (close < theLength && theText[close] != ']' && theText[close] != '\\' && theText[close] != '"')
-      ++close;
-    ZnUnichar code = 0;
-    if (close < theLength && theText[close] == ']' &&
-        Zn::Kx::Encoding::lookupNamedCharacter(theText + theIndex + 2, close - theIndex - 2, &code)) {
-      theResult->appendCharacter(code);
-      return close + 1;
-    }
-    break;
-  }
-  case '.':
-  case ':': {
-    // "\.xx" and "\:xxxx": two or four hexadecimal digits.
-    const ZnIndex digits = next == '.' ? 2 : 4;
-    const int32_t code = theIndex + 2 + digits <= theLength ? hexNumber(theText + theIndex + 2, digits) : -1;
-    if (code >= 0) {
-      theResult->appendCharacter(ZnUnichar(code));
-      return theIndex + 2 + digits;
-    }
-    break;
-  }
-  default: break;
-  }
-  // Not an escape: the backslash is text like any other character.
-  theResult->appendCharacter('\\');
-  return theIndex + 1;
-}
 
 void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult) {
   ZnIndex i = 0;
@@ -263,11 +221,6 @@ bool joinsToken(ZnUnichar theCharacter) {
          theCharacter == '.';
 }
 } // namespace
-
-bool findNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex* theStart, ZnIndex* theEnd) {
-  ZnIndex numberEnd = 0;
-  return matchNumberMark(theText, theLength, 0, theStart, theEnd, &numberEnd) && numberEnd == theLength;
-}
 
 bool dropNumberMarks(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult) {
   ZnIndex written = 0;

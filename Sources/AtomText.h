@@ -17,10 +17,6 @@ class Expr;
 /// writes anything.
 namespace AtomText {
 
-/// Appends what the escape at theIndex (a backslash with a character after
-/// it) stands for to theResult; returns the index after it. A backslash
-/// that starts no escape is appended as text.
-ZnIndex resolveEscape(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theIndex, Zn::MutableString* theResult);
 /// Appends theText with one level of escapes resolved; box groups are kept
 /// as written.
 void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult);
@@ -40,13 +36,6 @@ bool findStringLiteral(const ZnUnichar* theText, ZnIndex theLength, ZnIndex theF
 /// "a" is one literal, "a" <> "b" two, and "size "2"X" two with text
 /// between; a"b holds a quote that no literal closes, and a \"b\" none.
 bool holdsStringLiterals(const ZnUnichar* theText, ZnIndex theLength);
-
-/// Whether theText is a number with a precision or accuracy mark, as output
-/// writes machine and arbitrary-precision reals ("70.82400862821649`",
-/// "8.`", "1.5`20.*^-10", "3``12"): digits with an optional point, one or two
-/// backquotes and the digits after them, optionally "*^" and an exponent.
-/// The mark runs from theStart (its first backquote) to theEnd.
-bool findNumberMark(const ZnUnichar* theText, ZnIndex theLength, ZnIndex* theStart, ZnIndex* theEnd);
 
 /// Appends theText to theResult without the marks of the numbers in it, as
 /// they stand in a run of linear syntax ("{1.5`, x}" gives "{1.5, x}"); a

@@ -1,15 +1,18 @@
 //===- FuzzEscapes.cpp - Fuzzing the escape encoding -----------------------===//
 //
-// Input: a flags byte, a byte that places the cuts of the piecewise decode,
-// then the payload. The payload is decoded as bytes, as code units and in
-// pieces (all three must agree), read as UTF-16 units that are written and
-// read back, escaped for a quoted string, and looked up as a name.
+// Input: a flags byte, a byte that places the cuts of the piecewise decode
+// (its low bits also choose the escape forms), then the payload. The payload
+// is decoded as bytes, as code units and in pieces (all three must agree),
+// read as UTF-16 units that are written and read back, escaped for a quoted
+// string, and looked up as a name; its escapes are decoded one at a time,
+// whole and cut short.
 //
 //===----------------------------------------------------------------------===//
 #include <vector>
 #include "FuzzEntryPoints.h"
 #include "FuzzSupport.h"
 #include "Kx/KxEncoding.h"
+#include "Kx/KxEscape.h"
 #include "Kx/KxNamedCharacterTable.h"
 #include "Zn/Base/ZnData.h"
 #include "Zn/Base/ZnString.h"
@@ -130,6 +133,36 @@ void CheckEscapeString(const Encoding* theEncoding, const uint8_t* theBytes, siz
     FuzzCheck(c >= 32 || c == '\t' || c == '\n');
 }
 
+bool SameEscape(const Kx::Escape& theOne, const Kx::Escape& theOther) {
+  return theOne.kind == theOther.kind && theOne.character == theOther.character && theOne.length == theOther.length;
+}
+
+// The one escape decoder: bytes and units read alike, and a text cut short
+// either leaves the escape incomplete or decides it as the whole text does,
+// which is what lets the lexer decode what its reader holds ready.
+void CheckEscapeDecoder(const uint8_t* theBytes, size_t theSize, uint32_t theForms) {
+  using Kx::Escape;
+  size_t checked = 0;
+  for (size_t i = 0; i < theSize && checked < 16; ++i) {
+    if (theBytes[i] != '\\')
+      continue;
+    ++checked;
+    const uint8_t* text = theBytes + i + 1;
+    const ZnIndex length = ZnIndex(theSize - i - 1);
+    const Units units(text, text + length);
+    const Escape whole = Escape::decode(text, length, theForms);
+    FuzzCheck(SameEscape(whole, Escape::decode(units.data(), length, theForms)));
+    FuzzCheck(whole.length >= 0 && whole.length <= length);
+    // A carriage return is read from whole texts only: cut, it has no line feed.
+    if (length > 0 && text[0] == '\r' && (theForms & Escape::kStringForms))
+      continue;
+    for (ZnIndex cut = 0; cut < length && cut <= 70; ++cut) {
+      const Escape part = Escape::decode(text, cut, theForms);
+      FuzzCheck(part.kind == Escape::kIncomplete || SameEscape(part, whole));
+    }
+  }
+}
+
 // The lookups answer what a walk over the rows answers.
 void CheckNames(const uint8_t* theBytes, size_t theSize) {
   size_t length = 0;
@@ -184,6 +217,7 @@ int FuzzEscapes(const uint8_t* theData, size_t theSize) {
   CheckRoundTrip(encoding.get(), reader.get(), bytes, size);
   CheckEscapeString(encoding.get(), bytes, size);
   CheckNames(bytes, size);
+  CheckEscapeDecoder(bytes, size, cutSeed & Kx::Escape::kAllForms);
   return 0;
 }
 } // namespace NbtextFuzz

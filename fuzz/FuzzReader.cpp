@@ -195,7 +195,10 @@ Units DecodeAtOnce(int theID, const uint8_t* theBytes, size_t theSize) {
     return Units(theBytes, theBytes + theSize);
   auto encoding = adopt(StringEncodingWithID(theID));
   auto text = adopt(new MutableString());
-  encoding->decodeBytes(theBytes, ZnIndex(theSize), text.get(), true);
+  // In one piece: only a sequence that the end cuts short is left, and it
+  // goes where the reader sends it at the end of the stream.
+  ZnIndex consumed = encoding->decodeBytes(theBytes, ZnIndex(theSize), text.get(), true);
+  encoding->decodeLastBytes(theBytes + consumed, ZnIndex(theSize) - consumed, text.get());
   return Units(text->getCharactersPtr(), text->getCharactersPtr() + text->length());
 }
 

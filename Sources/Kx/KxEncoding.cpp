@@ -1,5 +1,6 @@
 //===- KxEncoding.cpp - Character escapes of notebook text -----------------===//
 #include "Kx/KxEncoding.h"
+#include "Kx/KxEscape.h"
 #include "Kx/KxNamedCharacterTable.h"
 #include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnData.h"
@@ -90,29 +91,6 @@ uint32_t NameFlagFor(ZnUnichar theCode) {
   return Encoding::kNameOther;
 }
 
-// The value of a hexadecimal digit, or -1.
-int32_t HexValue(uint32_t theCharacter) {
-  if (theCharacter >= '0' && theCharacter <= '9')
-    return int32_t(theCharacter - '0');
-  if (theCharacter >= 'a' && theCharacter <= 'f')
-    return int32_t(theCharacter - 'a' + 10);
-  if (theCharacter >= 'A' && theCharacter <= 'F')
-    return int32_t(theCharacter - 'A' + 10);
-  return -1;
-}
-
-// The value of theDigits hexadecimal digits, or -1 when one is not a digit.
-template <class CharT> int32_t HexNumber(const CharT* theUnits, ZnIndex theDigits) {
-  int32_t value = 0;
-  for (ZnIndex i = 0; i < theDigits; ++i) {
-    int32_t digit = HexValue(theUnits[i]);
-    if (digit < 0)
-      return -1;
-    value = value * 16 + digit;
-  }
-  return value;
-}
-
 // Fills "\.xx" (theDigits 2) or "\:xxxx" (theDigits 4) in lower case.
 ZnIndex FormatHexEscape(uint32_t theCode, ZnIndex theDigits, char* theOut) {
   static const char kDigits[] = "0123456789abcdef";
@@ -180,7 +158,8 @@ bool Encoding::lookupNamedCharacter(const ZnUnichar* theName, ZnIndex theLength,
   return CodeForName(theName, theLength, theCode);
 }
 
-bool Encoding::lookupNamedCharacter(const uint8_t* theName, ZnIndex theLength, ZnUnichar* theCode) const {
+bool Encoding::lookupNamedCharacter(const uint8_t* theName, ZnIndex theLength, ZnUnichar* theCode) {
+  EnsureSharedTables();
   return CodeForName(theName, theLength, theCode);
 }
 
@@ -188,6 +167,7 @@ bool Encoding::lookupNamedCharacter(const uint8_t* theName, ZnIndex theLength, Z
 
 template <class CharT>
 ZnIndex Encoding::decode(const CharT* theUnits, ZnIndex theCount, MutableString* theString) const {
+  const uint32_t forms = Escape::kHexForms | (flags_ & kDecodeNames ? uint32_t(Escape::kNamedForm) : 0);
   ZnIndex i = 0;
   while (i < theCount) {
     if (theUnits[i] != '\\') {
@@ -198,37 +178,17 @@ ZnIndex Encoding::decode(const CharT* theUnits, ZnIndex theCount, MutableString*
       i = end;
       continue;
     }
-    if (i + 1 == theCount)
-      return i; // more bytes may complete the escape
-    uint32_t kind = theUnits[i + 1];
-    if (kind == '[' && (flags_ & kDecodeNames)) {
-      // No name is longer than kMaximumNameLength, so the search for "]"
-      // stops there: a longer run is unknown whatever follows.
-      ZnIndex limit = i + 2 + NamedCharacterTable::kMaximumNameLength + 1;
-      if (limit > theCount)
-        limit = theCount;
-      ZnIndex close = i + 2;
-      while (close < limit && theUnits[close] != ']')
-        ++close;
-      if (close == theCount)
-        return i;
-      ZnUnichar code;
-      if (close < limit && CodeForName(theUnits + i + 2, close - i - 2, &code)) {
-        theString->appendCharacter(code);
-        i = close + 1;
-        continue;
-      }
-      // Unknown: the backslash goes out alone and the name follows as text.
-    } else if (kind == '.' || kind == ':') {
-      // "\.xx" or "\:xxxx", whole within the buffer.
-      ZnIndex digits = kind == '.' ? 2 : 4;
-      int32_t value = i + 2 + digits <= theCount ? HexNumber(theUnits + i + 2, digits) : -1;
-      if (value >= 0) {
-        theString->appendCharacter(ZnUnichar(value));
-        i += 2 + digits;
-        continue;
-      }
+    const Escape escape = Escape::decode(theUnits + i + 1, theCount - i - 1, forms);
+    if (escape.kind == Escape::kCharacter) {
+      theString->appendCharacter(escape.character);
+      i += 1 + escape.length;
+      continue;
     }
+    // More bytes may complete a lone backslash or a name. A hexadecimal
+    // escape that the buffer cuts short is text, like a backslash that
+    // starts no escape.
+    if (escape.kind == Escape::kIncomplete && (i + 1 == theCount || theUnits[i + 1] == '['))
+      return i;
     theString->appendCharacter('\\');
     ++i;
   }

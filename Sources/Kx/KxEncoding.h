@@ -81,7 +81,7 @@ public:
   /// or of those that are only read; false when unknown.
   static bool lookupNamedCharacter(const String* theName, ZnUnichar* theCode);
   static bool lookupNamedCharacter(const ZnUnichar* theName, ZnIndex theLength, ZnUnichar* theCode);
-  bool lookupNamedCharacter(const uint8_t* theName, ZnIndex theLength, ZnUnichar* theCode) const;
+  static bool lookupNamedCharacter(const uint8_t* theName, ZnIndex theLength, ZnUnichar* theCode);
 
   const char* className() const override;
   const char* superclassName() const override;

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <utility>
-#include "Kx/KxEncoding.h"
+#include "Kx/KxEscape.h"
 #include "Kx/KxExprParser.h"
 #include "Kx/KxFunction.h"
 #include "Kx/KxNamedCharacterTable.h"
@@ -451,45 +451,35 @@ void Lexer::skipFileName() {
 //===--- Names, blanks, slots and output references ---------------------------===//
 
 bool Lexer::readEscapedCharacter(ZnUnichar* theCharacter) {
-  // Longest escape: "[" + a name of at most kMaximumNameLength + "]".
+  // Mostly the escape lies whole among the characters that the reader holds
+  // ready, and is decoded there.
+  ZnIndex available;
+  const ZnUnichar* ready = reader_->getBufferedCharacters(&available);
+  // A backslash in a string mostly stands before a quote or a backslash,
+  // which starts no character escape: that needs no call.
+  if (available > 0 && ready[0] != '[' && ready[0] != '.' && ready[0] != ':')
+    return false;
+  Escape escape = Escape::decode(ready, available, Escape::kCharacterForms);
+  if (escape.kind == Escape::kCharacter) {
+    reader_->skipBufferedCharacters(escape.length);
+    *theCharacter = escape.character;
+    return true;
+  }
+  if (escape.kind == Escape::kNone)
+    return false;
+  // It runs past them (escape is incomplete): read it a character at a
+  // time, and give back what was read when it is no escape after all.
   ZnUnichar read[NamedCharacterTable::kMaximumNameLength + 2];
   ZnIndex count = 0;
-  auto giveBack = [&]() {
-    while (count > 0)
-      unget(read[--count]);
-    return false;
-  };
-  ZnUnichar c;
-  if (!get(&c))
-    return false;
-  read[count++] = c;
-  if (c == '[') {
-    while (count < ZnIndex(sizeof(read) / sizeof(read[0]))) {
-      if (!get(&c))
-        return giveBack();
-      read[count++] = c;
-      if (c == ']')
-        return Encoding::lookupNamedCharacter(read + 1, count - 2, theCharacter) || giveBack();
-      if (!IsLetter(c) && !IsDigit(c))
-        return giveBack();
-    }
-    return giveBack();
+  while (escape.kind == Escape::kIncomplete && count < ZnIndex(sizeof read / sizeof read[0]) && get(&read[count]))
+    escape = Escape::decode(read, ++count, Escape::kCharacterForms);
+  if (escape.kind == Escape::kCharacter) {
+    *theCharacter = escape.character;
+    return true;
   }
-  ZnIndex digits = c == '.' ? 2 : c == ':' ? 4 : 0;
-  if (digits == 0)
-    return giveBack();
-  uint32_t value = 0;
-  for (ZnIndex i = 0; i < digits; ++i) {
-    if (!get(&c))
-      return giveBack();
-    read[count++] = c;
-    int32_t digit = DigitValue(c);
-    if (digit > 15)
-      return giveBack();
-    value = value * 16 + uint32_t(digit);
-  }
-  *theCharacter = ZnUnichar(value);
-  return true;
+  while (count > 0)
+    unget(read[--count]);
+  return false;
 }
 
 bool Lexer::scanName(ZnUnichar theFirst) {
@@ -810,6 +800,11 @@ bool Lexer::scanQuoted(MutableString* theText, bool theParseGroups) {
       theText->appendCharacter(c);
       continue;
     }
+    ZnUnichar escaped;
+    if (readEscapedCharacter(&escaped)) {
+      theText->appendCharacter(escaped);
+      continue;
+    }
     if (!get(&c))
       return false;
     switch (c) {
@@ -820,12 +815,11 @@ bool Lexer::scanQuoted(MutableString* theText, bool theParseGroups) {
       ++tokenBreaks_;
       skip('\n');
       break;
-    case '[': case '.': case ':': {
+    case '[': case '.': case ':':
+      // No character escape: the backslash is text, and so is what follows.
       unget(c);
-      ZnUnichar escaped;
-      theText->appendCharacter(readEscapedCharacter(&escaped) ? escaped : ZnUnichar('\\'));
+      theText->appendCharacter('\\');
       break;
-    }
     case '(':
       if (!scanGroup("\\(", theText, theParseGroups))
         return false;
@@ -1037,6 +1031,8 @@ int32_t Lexer::scanRun(ZnUnichar theFirst, ParseValue* theValue) {
       takeRun(text_.get(), [](ZnUnichar theCharacter) {
         return IsSpace(theCharacter) || theCharacter == '"' || theCharacter == '\\';
       });
+    } else if (ZnUnichar escaped; readEscapedCharacter(&escaped)) {
+      text_->appendCharacter(escaped);
     } else {
       ZnUnichar next;
       if (!get(&next)) {
@@ -1054,12 +1050,11 @@ int32_t Lexer::scanRun(ZnUnichar theFirst, ParseValue* theValue) {
       case '\r':
         skip('\n');
         break;
-      case '[': case '.': case ':': {
+      case '[': case '.': case ':':
+        // No character escape: the backslash is text, and so is what follows.
         unget(next);
-        ZnUnichar escaped;
-        text_->appendCharacter(readEscapedCharacter(&escaped) ? escaped : c);
+        text_->appendCharacter(c);
         break;
-      }
       case '"': case '\\': case ' ':
         text_->appendCharacter(next);
         break;

@@ -125,7 +125,7 @@ private:
   bool scanName(ZnUnichar theFirst);
   /// After a backslash: reads "[Name]", ".xx" or ":xxxx" and gives its
   /// character. When the escape is not one of these, everything read after
-  /// the backslash is pushed back and the result is false.
+  /// the backslash is given back and the result is false.
   bool readEscapedCharacter(ZnUnichar* theCharacter);
   /// The body of a double-quoted string (the opening quote consumed) into
   /// theText. With theParseGroups, box groups are parsed and finished pieces

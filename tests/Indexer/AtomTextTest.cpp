@@ -27,6 +27,27 @@ TEST(AtomTextTest, TellsTextsMadeOfClosedStringLiterals) {
   }
 }
 
+// One level of escapes is resolved; box groups stay for the walk to parse,
+// and a backslash that starts no whole escape is text.
+TEST(AtomTextTest, ResolvesEscapesButKeepsBoxGroups) {
+  const struct {
+    const char* text;
+    const char* expected;
+  } cases[] = {
+      {R"(a\"b\\c\nd\te\rf)", "a\"b\\c\nd\te\nf"},
+      {"\\<x\\>\\\ny\\\r\nz\\\rw", "xyzw"},
+      {R"(\[Alpha]\.41\:00e9\[NoSuch])", "\xCE\xB1" "A\xC3\xA9\\[NoSuch]"},
+      {R"(\[Al"pha] \.4 \:12g4 \q \)", R"(\[Al"pha] \.4 \:12g4 \q \)"},
+      {R"(x \!\(a\^\[Alpha]\) \(b\) \(open)", R"(x \!\(a\^\[Alpha]\) \(b\) \(open)"},
+  };
+  for (const auto& c : cases) {
+    std::u16string text = Units(c.text);
+    auto result = Zn::adopt(new Zn::MutableString());
+    AtomText::resolveEscapes(reinterpret_cast<const ZnUnichar*>(text.data()), ZnIndex(text.size()), result.get());
+    EXPECT_EQ(ZnTest::Utf8(result.get()), c.expected) << c.text;
+  }
+}
+
 // Inside a run of linear syntax every number loses its mark; names and
 // tokens that merely hold a backquote keep theirs.
 TEST(AtomTextTest, DropsTheMarksOfEveryNumberInARun) {

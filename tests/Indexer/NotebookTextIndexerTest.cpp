@@ -116,6 +116,9 @@ const Golden kGoldens[] = {
     {"StringMarkersAndContinuationsVanish", "Cell[\"\\<one \\\ntwo\\>\", \"Text\"]", "one two\n\n"},
     {"NamedCharacters", R"nb(Cell["\[Alpha] \[Rule] \[Pi] \[Infinity] caf\[EAcute] \:4e2d x\[InvisibleSpace]y", "Text"])nb",
      "\\[Alpha] -> Pi \xE2\x88\x9E caf\xC3\xA9 \xE4\xB8\xAD xy\n\n"},
+    // Bytes that are no UTF-8, from a notebook saved as Latin-1.
+    {"Latin1BytesReadAsTheirCharacters", "Cell[\"na\xefve and caf\xe9s here\", \"Text\"]",
+     "na\xC3\xAFve and caf\xC3\xA9s here\n\n"},
     {"QuotesShowInInputCode", R"nb(Cell[BoxData[RowBox[{"Print", "[", "\"\<hello\>\"", "]"}]], "Input"])nb",
      "Print[\"hello\"]\n\n"},
     {"StyleBoxCanHideQuotes",

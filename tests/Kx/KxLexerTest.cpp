@@ -4,7 +4,10 @@
 #include "Kx/KxExprParser.h"
 #include "Kx/KxLexer.h"
 #include "KxExprGrammar.hpp"
+#include "Zn/Base/ZnData.h"
+#include "Zn/Base/ZnStringEncoding.h"
 #include "Zn/IO/ZnReader.h"
+#include "Zn/IO/ZnStream.h"
 
 using namespace Zn;
 using namespace Zn::Kx;
@@ -29,9 +32,9 @@ struct Lexed {
   std::string values; // the values' full forms, "|" between them
 };
 
-/// Every token of theText, up to the end or the first KxUnknown.
-Lexed Lex(const std::string& theText) {
-  auto reader = adopt<Reader>(new StringReader(adopt(new String(theText.c_str())).get()));
+/// Every token that theReader gives, up to the end or the first KxUnknown.
+Lexed LexFrom(Reader* theReader) {
+  auto reader = retained(theReader);
   auto parser = adopt(new ExprParser(reader.get()));
   Lexer lexer(parser.get(), reader.get(), 0);
   Lexed lexed;
@@ -47,6 +50,10 @@ Lexed Lex(const std::string& theText) {
     }
   }
   return lexed;
+}
+
+Lexed Lex(const std::string& theText) {
+  return LexFrom(adopt<Reader>(new StringReader(adopt(new String(theText.c_str())).get())).get());
 }
 
 struct Case { const char* text; std::vector<int32_t> codes; const char* values; };
@@ -176,6 +183,24 @@ TEST_F(LexerTest, StringsKeepLineBreaksAndDecodeCharacterEscapes) {
       {R"t("x\)t", {KxUnknown}, ""},
   };
   Check(cases, std::size(cases));
+}
+
+// A stream reader's block holds most escapes whole, and the lexer decodes
+// them there; one that runs past the block's end is read a character at a
+// time, as over a string reader. Both ways read the same.
+TEST_F(LexerTest, EscapesReadTheSameWhereverTheReadersBlockEnds) {
+  const std::string escapes = R"t("\[Alpha]\.41\:00e9\[NoSuch]\[Alpha \.4 \:12g4" a\[Beta]\.62)t";
+  const Lexed expected = {{KxString, KxSymbol}, "\"\xCE\xB1" "A\xC3\xA9\\[NoSuch]\\[Alpha \\.4 \\:12g4\"|a\xCE\xB2" "b"};
+  for (size_t pad = 200; pad <= 250; ++pad) {
+    const std::string text = std::string(pad, ' ') + escapes;
+    auto data = adopt(new Data(text.data(), ZnIndex(text.size())));
+    auto stream = adopt(Data::createReadStream(data.get()));
+    auto encoding = adopt(StringEncodingWithID(kStringEncodingUTF8));
+    for (const Lexed& lexed : {Lex(text), LexFrom(adopt<Reader>(new StreamReader(stream.get(), encoding.get())).get())}) {
+      EXPECT_EQ(lexed.codes, expected.codes) << pad;
+      EXPECT_EQ(lexed.values, expected.values) << pad;
+    }
+  }
 }
 
 TEST_F(LexerTest, BoxGroupsInsideStringsAreParsedWithTheirText) {

@@ -38,8 +38,12 @@ MutableString* StringEncoding::stringFromBytes(StringEncoding* theEncoding, cons
     theBytes += byteCount;
     theCount -= byteCount;
   }
+  if (theCount > 0)
+    theEncoding->decodeLastBytes(theBytes, theCount, string.get());
   return string.leak();
 }
+
+void StringEncoding::decodeLastBytes(const uint8_t*, ZnIndex, MutableString*) {}
 
 const char* StringEncoding::className() const { return "StringEncoding"; }
 const char* StringEncoding::superclassName() const { return "Object"; }
@@ -198,6 +202,35 @@ void WidenASCII(uint64_t theWord, ZnUnichar* theOut) {
     theOut[k] = bytes[k];
 #endif
 }
+
+// The characters of Windows-1252 at 0x80-0x9F; its five holes keep the C1
+// control of the same value. Above them it agrees with Latin-1.
+const ZnUnichar kWindows1252[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
+};
+
+ZnUnichar Windows1252(uint32_t theByte) {
+  return theByte >= 0x80 && theByte < 0xA0 ? kWindows1252[theByte - 0x80] : ZnUnichar(theByte);
+}
+
+// The length of the sequence that theByte leads (0 when it leads none) and
+// the range of its second byte, which rules out overlong forms, surrogates
+// and code points past U+10FFFF; later bytes are any of 80-BF.
+struct Lead {
+  uint8_t size, low, high;
+};
+
+Lead LeadOf(uint32_t theByte) {
+  if (theByte < 0xC2 || theByte > 0xF4)
+    return {0, 0, 0};
+  if (theByte < 0xE0)
+    return {2, 0x80, 0xBF};
+  if (theByte < 0xF0)
+    return {3, uint8_t(theByte == 0xE0 ? 0xA0 : 0x80), uint8_t(theByte == 0xED ? 0x9F : 0xBF)};
+  return {4, uint8_t(theByte == 0xF0 ? 0x90 : 0x80), uint8_t(theByte == 0xF4 ? 0x8F : 0xBF)};
+}
 } // namespace
 
 ZnIndex UTF8Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString,
@@ -205,7 +238,7 @@ ZnIndex UTF8Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mut
   if (theCount <= 0)
     return 0;
   ZnIndex length = theString->length();
-  // Every byte yields at most one unit.
+  // Every byte yields at most one unit: a surrogate pair takes four.
   theString->ensureCapacity(length + theCount);
   ZnUnichar* const start = theString->getMutableCharactersPtr() + length;
   ZnUnichar* out = start;
@@ -225,44 +258,54 @@ ZnIndex UTF8Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mut
     if (i >= theCount)
       break;
     uint32_t b = theBytes[i];
-    // Up to 0xBF one byte, stray continuation bytes included.
-    if (b < 0xC0) {
-      *out++ = ZnUnichar(b & 0x7F);
+    if (b < 0x80) {
+      *out++ = ZnUnichar(b);
       ++i;
       continue;
     }
-    ZnIndex size;
-    uint32_t value;
-    if (b < 0xE0) {
-      size = 2;
-      value = b & 0x1F;
-    } else if (b < 0xF0) {
-      size = 3;
-      value = b & 0x0F;
-    } else if (b < 0xF8) {
-      size = 4;
-      value = b & 0x07;
-    } else if (b < 0xFC) {
-      size = 5;
-      value = b & 0x03;
-    } else {
-      size = 6;
-      value = b & 0x01;
+    const bool atStart = theIsFirst && i == 0;
+    // How many bytes from i on belong to a well-formed sequence.
+    Lead lead = LeadOf(b);
+    ZnIndex valid = 1;
+    if (lead.size > 0 && i + 1 < theCount && theBytes[i + 1] >= lead.low && theBytes[i + 1] <= lead.high) {
+      valid = 2;
+      while (valid < lead.size && i + valid < theCount && (theBytes[i + valid] & 0xC0) == 0x80)
+        ++valid;
     }
-    // Cut off: leave the sequence for the caller to complete.
-    if (theCount - i < size)
-      break;
-    for (ZnIndex k = 1; k < size; ++k)
+    if (valid < lead.size && i + valid == theCount)
+      break; // cut by the end of the buffer: more bytes may complete it
+    if (valid < lead.size || lead.size == 0) {
+      *out++ = Windows1252(b);
+      ++i;
+      continue;
+    }
+    uint32_t value = b & (0x7F >> lead.size);
+    for (ZnIndex k = 1; k < lead.size; ++k)
       value = (value << 6) | (theBytes[i + k] & 0x3F);
-    value &= 0xFFFF;
-    if (theIsFirst && i == 0 && size >= 3 && (value == 0xFEFF || value == 0xFFFE))
+    i += lead.size;
+    if (value > 0xFFFF) {
+      value -= 0x10000;
+      *out++ = ZnUnichar(0xD800 | (value >> 10));
+      *out++ = ZnUnichar(0xDC00 | (value & 0x3FF));
+    } else if (atStart && (value == 0xFEFF || value == 0xFFFE)) {
       writeBOM_ = true;
-    else
+    } else {
       *out++ = ZnUnichar(value);
-    i += size;
+    }
   }
   theString->setLength(length + ZnIndex(out - start));
   return i;
+}
+
+void UTF8Encoding::decodeLastBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString) {
+  // The first byte of the cut sequence stands alone; the bytes after it are
+  // decoded afresh.
+  ZnIndex i = 0;
+  while (i < theCount) {
+    i += decodeBytes(theBytes + i, theCount - i, theString, false);
+    if (i < theCount)
+      theString->appendCharacter(Windows1252(theBytes[i++]));
+  }
 }
 
 const char* UTF8Encoding::className() const { return "UTF8Encoding"; }

@@ -45,6 +45,9 @@ public:
   /// with the rest of the sequence behind them.
   virtual ZnIndex decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString,
                               bool theIsFirst) = 0;
+  /// The input ended with theCount bytes that decodeBytes left unconsumed:
+  /// appends what they stand for. By default they are dropped.
+  virtual void decodeLastBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString);
 
   /// +1. Encodes all units, 1024 at a time. An encoder that consumes nothing
   /// is asked again without end, so never hand the strict ASCII encoding a
@@ -92,8 +95,14 @@ private:
 };
 
 /// UTF-8 without joining surrogates: every unit is one sequence of 1-3
-/// bytes. Decoding masks instead of checking and cuts longer sequences to 16
-/// bits.
+/// bytes.
+///
+/// Decoding takes only well-formed sequences: the shortest form of a code
+/// point up to U+10FFFF that is not a surrogate, code points above U+FFFF as
+/// a surrogate pair. Any other byte (a stray continuation byte, C0, C1,
+/// F5-FF, a lead byte whose next byte cannot continue it, or one cut short
+/// by the end of the input) is one character of Windows-1252, and decoding
+/// goes on with the byte after it: text saved as Latin-1 reads as written.
 class UTF8Encoding : public StringEncoding {
 public:
   explicit UTF8Encoding(bool theWriteBOM = false) : writeBOM_(theWriteBOM) {}
@@ -107,6 +116,8 @@ public:
   /// writing with the same object puts it back.
   ZnIndex decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString,
                       bool theIsFirst) override;
+  /// A sequence cut short by the end: each of its bytes in Windows-1252.
+  void decodeLastBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString) override;
   const char* className() const override;
   const char* superclassName() const override;
 

@@ -303,8 +303,11 @@ bool StreamReader::fillWindow() {
         have -= consumed;
       }
       ZnIndex more = stream_->read(block + have, kBlockSize - have, -1.0);
-      if (more <= 0)
+      if (more <= 0) {
+        // The input ends inside the sequence.
+        encoding_->decodeLastBytes(block, have, decoded_.get());
         break;
+      }
       stream_->addToReadCount(more);
       have += more;
     }

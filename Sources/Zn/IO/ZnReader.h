@@ -152,7 +152,9 @@ private:
 
 /// Characters decoded from a readable stream in blocks of 250 bytes. A
 /// multi-byte sequence cut by the end of a block is completed from the next
-/// bytes of the stream. Without an encoding every byte is one character.
+/// bytes of the stream; one cut by the end of the stream goes to the
+/// encoding's decodeLastBytes. Without an encoding every byte is one
+/// character.
 class StreamReader : public Reader {
 public:
   /// Retains both; theEncoding may be null.

@@ -98,20 +98,23 @@ TEST_F(ReaderTest, ScanningHelpersPushBackWhatTheyRefuse) {
 }
 
 TEST_F(ReaderTest, SequencesCutByTheBlockEndAreCompleted) {
-  // Every cut of a three-byte and a two-byte sequence around byte 250.
-  for (int prefix = 246; prefix <= 250; ++prefix) {
-    std::string bytes = std::string(prefix, 'a') + "\xE2\x82\xAC\xC3\xA9z";
+  // Every cut around byte 250 of sequences well-formed and not, and a
+  // sequence that the end of the stream cuts short.
+  const char* const kTail = "\xE2\x82\xAC\xC3\xA9\xF0\x9F\x98\x80z\xE9s\xE2\x82" "A\xE2\x82";
+  const char* const kText = "\u20ac\u00e9\U0001F600z\u00e9s\u00e2\u201a" "A\u00e2\u201a";
+  for (int prefix = 244; prefix <= 250; ++prefix) {
+    std::string bytes = std::string(prefix, 'a') + kTail;
     auto data = adopt(new Data(bytes.data(), ZnIndex(bytes.size())));
     auto stream = adopt(Data::createReadStream(data.get()));
     auto reader = adopt(new StreamReader(stream.get(), adopt(StringEncodingWithID(5)).get()));
-    EXPECT_EQ(ReadAll(reader.get()), std::string(prefix, 'a') + "\u20ac\u00e9z") << prefix;
+    EXPECT_EQ(ReadAll(reader.get()), std::string(prefix, 'a') + kText) << prefix;
     EXPECT_EQ(stream->getReadCount(), ZnIndex(bytes.size()));
   }
   // One byte per read, a mark first and a lone lead byte last.
   auto trickle = adopt(new TrickleStream("\xEF\xBB\xBF\xC3\xA9\xE2\x82\xAC" "A\xC3"));
   auto utf8 = adopt(new UTF8Encoding());
   auto reader = adopt(new StreamReader(trickle.get(), utf8.get()));
-  EXPECT_EQ(ReadAll(reader.get()), "\u00e9\u20ac" "A");
+  EXPECT_EQ(ReadAll(reader.get()), "\u00e9\u20ac" "A\u00c3");
   EXPECT_TRUE(utf8->getWriteBOM());
   // Without an encoding each byte is a character.
   auto raw = adopt(new StreamReader(adopt(new TrickleStream("\xE9!")).get(), nullptr));
