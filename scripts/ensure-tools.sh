@@ -25,6 +25,7 @@ for what in "${@:-native}"; do
       want dpkg-shlibdeps dpkg-dev
       want file file          # cpack's Debian generator reads binaries with it
       want man man-db
+      want lintian lintian    # CI checks the package with it
       ;;
     batch)
       # The batch job runs on Debian's own Python with its Dask and tqdm.
