@@ -8,6 +8,7 @@
 #   package  make deb and its checks: dpkg-dev, file, man-db, lintian
 #   batch    scripts/nbtext-batch.py (Dask, tqdm) and scripts/nbtext-parallel.sh
 #   recoll, omindex, browser   the indexer and browser checks
+#   bench    bench/run.py
 #   fresh    scripts/fresh-machine-check.sh: mmdebstrap
 # Exit status: 0 when every tool is there afterwards, 1 when something could
 # not be installed, 2 on an unknown set.
@@ -49,6 +50,7 @@ for what in "${@:-native}"; do
     recoll) want recollindex recollcmd; want python3 python3 ;;
     omindex) want omindex xapian-omega; want quest xapian-tools; want python3 python3 ;;
     browser) command -v chromium-browser >/dev/null 2>&1 || want chromium chromium ;;
+    bench) want /usr/bin/time time ;;   # bench/run.py's peak memory
     fresh) want mmdebstrap mmdebstrap ;;
     *) echo "ensure-tools: unknown set '$what'" >&2; exit 2 ;;
   esac
