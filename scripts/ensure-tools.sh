@@ -46,6 +46,7 @@ for what in "${@:-native}"; do
       /usr/bin/python3 -c 'import distributed, tqdm' >/dev/null 2>&1 ||
         need+=(python3-distributed python3-tqdm)
       want parallel parallel
+      want pgrep procps       # the integration test finds a worker to kill with it
       ;;
     recoll) want recollindex recollcmd; want python3 python3 ;;
     omindex) want omindex xapian-omega; want quest xapian-tools; want python3 python3 ;;
