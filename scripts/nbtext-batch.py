@@ -203,15 +203,18 @@ def convert_batch(nbtext, options, items, timeout):
 
 # --- What the client does ------------------------------------------------
 
-def find_nbtext(given):
+def find_nbtext(given, remote):
     """The nbtext to run: --nbtext, else the one on the PATH, else this
-    checkout's build. A bare name is looked up again on each worker."""
+    checkout's build. A bare name is looked up again on each worker, and
+    the workers of a running cluster may have one where this machine has not."""
     if given:
         return os.path.abspath(given) if os.sep in given else given
     if shutil.which("nbtext"):
         return "nbtext"
     if os.access(CHECKOUT_NBTEXT, os.X_OK):
         return CHECKOUT_NBTEXT
+    if remote:
+        return "nbtext"
     raise SetupError(f"no nbtext on the PATH nor at {CHECKOUT_NBTEXT}: build it "
                      "(make run), install it (make deb, then apt-get install "
                      "./build-deb/nbtext_*.deb) or name it with --nbtext PATH")
@@ -569,7 +572,7 @@ def prepare(args):
     """Checks all that the run needs before any work: the modules, nbtext,
     the output folder and its ledger. Returns (nbtext, ledger)."""
     require_modules()
-    nbtext = find_nbtext(args.nbtext)
+    nbtext = find_nbtext(args.nbtext, remote=bool(args.scheduler))
     if not args.scheduler:
         reason = probe(nbtext)  # the local workers see what this process sees
         if reason:

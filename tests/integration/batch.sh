@@ -86,6 +86,22 @@ touch "$WORK/in/$(awk -F'\t' '$3 == "recent" { print $1; exit }' "$CORPUS/MANIFE
 $CHECK summary "$WORK/out" up_to_date=$((files - 1)) converted=1 || fail "the touched notebook was not converted alone"
 $CHECK records "$NBTEXT" "$WORK/in" "$WORK/out" || fail "the records after resuming are wrong"
 
+echo "--- a run stopped while writing: what it did not account for goes"
+shards=("$WORK"/out/part-*.jsonl)
+printf '{"path": "cut sh' >>"${shards[0]}"
+echo '{"path": "never accounted for"}' >"$WORK/out/part-orphan.jsonl"
+"$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the run after a stop failed"
+$CHECK summary "$WORK/out" up_to_date="$files" converted=0 || fail "the run after a stop converted again"
+[ ! -e "$WORK/out/part-orphan.jsonl" ] || fail "a shard that no record accounts for was kept"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/out" || fail "the records after a stop are wrong"
+echo "--- a shard cut short: its notebooks are converted again"
+lost=$(wc -l <"${shards[0]}")
+truncate -s -1 "${shards[0]}"
+"$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the run after a lost line failed"
+$CHECK summary "$WORK/out" up_to_date=$((files - lost)) failed=0 ||
+  fail "the $lost notebooks of a shard cut short were not converted again, or others were"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/out" || fail "the records after a lost line are wrong"
+
 echo "--- Dask, 2 workers, one killed while it converts"
 # Each conversion goes through a wrapper that waits a little first, so that a
 # worker is surely busy when its process is killed: the wrapper's parent.
