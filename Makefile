@@ -26,7 +26,6 @@ $(BUILD)/configure.cmd: FORCE
 $(BUILD)/CMakeCache.txt: $(BUILD)/configure.cmd | tools
 	@echo "Configuring $(BUILD)/ (log: $(BUILD)/configure.log)"
 	@$(CONFIGURE) >$(BUILD)/configure.log 2>&1 || { cat $(BUILD)/configure.log; exit 1; }
-	@touch $@
 FORCE:
 
 run: $(BUILD)/CMakeCache.txt
