@@ -64,7 +64,7 @@ deb: tools
 # tree of their own; `make fuzz-run FUZZ_SECONDS=1800` runs each in turn.
 FUZZ_SECONDS ?= 600
 fuzz:
-	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DNBTEXT_FUZZ=ON -DNBTEXT_TESTS=OFF
+	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DNBTEXT_FUZZ=ON -DNBTEXT_TESTS=OFF -DNBTEXT_WERROR=ON
 	cmake --build build-fuzz -j $(JOBS)
 
 fuzz-run: fuzz
