@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # CI after the builds: the manual page renders cleanly; the Debian package
-# builds, holds no build path, installs with dpkg, runs on the sample and
-# removes cleanly; Recoll and omindex index the corpus through nbtext; the
+# builds, passes lintian without an error or a warning, holds no build path,
+# installs with dpkg, runs on the sample and removes cleanly; Recoll and omindex index the corpus through nbtext; the
 # batch jobs convert the corpus as nbtext does alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -22,6 +22,9 @@ unpacked=$(mktemp -d)
 dpkg-deb -x "$deb" "$unpacked"
 if grep -rlF "$PWD" "$unpacked"; then echo "FAILED: $deb holds the build path $PWD"; exit 1; fi
 rm -rf "$unpacked"
+# Errors and warnings fail; the informational tags are shown.
+lintian --fail-on error,warning --display-info "$deb" ||
+  { echo "FAILED: lintian found errors or warnings in $deb"; exit 1; }
 
 if [ "$(id -u)" != 0 ]; then
   echo "SKIPPED: installing $deb needs root"
@@ -31,8 +34,11 @@ else
   trap 'dpkg -r nbtext >/dev/null 2>&1 || true' EXIT
   dpkg -i "$deb"
   [ "$(command -v nbtext)" = /usr/bin/nbtext ] || { echo "FAILED: nbtext is not on the PATH"; exit 1; }
-  dpkg -L nbtext | grep -qx /usr/share/man/man1/nbtext.1 || { echo "FAILED: no manual page"; exit 1; }
-  [ ! -e /usr/share/man/man1/nbtext.1 ] || man -w nbtext >/dev/null
+  for file in /usr/share/man/man1/nbtext.1.gz /usr/share/doc/nbtext/copyright /usr/share/doc/nbtext/changelog.gz; do
+    dpkg -L nbtext | grep -qx "$file" || { echo "FAILED: the package lacks $file"; exit 1; }
+  done
+  # dpkg may be told to leave manual pages out (a minimal image does).
+  [ ! -e /usr/share/man/man1/nbtext.1.gz ] || man -w nbtext >/dev/null
   nbtext samples/sample.nb >build-deb/sample.txt 2>build-deb/sample.err
   [ -s build-deb/sample.txt ] && grep -qx "Converting samples/sample.nb" build-deb/sample.err ||
     { echo "FAILED: the installed nbtext did not convert samples/sample.nb"; exit 1; }

@@ -10,7 +10,7 @@ ROOT=$(cd "$(dirname "$0")/.." && pwd)
 export NBTEXT=$(realpath "${1:-$ROOT/build/nbtext}")
 TARGET_MB=${2:-400}
 SMALL_FILES=${3:-2000}
-CORPUS=$ROOT/../shared/corpus
+CORPUS=$("$ROOT/scripts/corpus-dir.sh")
 [ -f "$CORPUS/MANIFEST.tsv" ] || { echo "SKIPPED: no corpus at $CORPUS"; exit 0; }
 "$ROOT/scripts/ensure-tools.sh" batch
 WORK=$(mktemp -d "${TMPDIR:-/var/tmp}/nbtext-scale.XXXXXX")

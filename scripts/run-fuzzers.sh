@@ -27,7 +27,7 @@ seeds=(fuzz/seeds/notebooks samples)
 # The shared corpus stands next to the main checkout, which a worktree's
 # parent folder may not be.
 main_checkout=$(cd "$(git rev-parse --git-common-dir 2>/dev/null || echo .git)/.." && pwd)
-for corpus in ../shared/corpus "$main_checkout/../shared/corpus"; do
+for corpus in "$(scripts/corpus-dir.sh)" "$main_checkout/../shared/corpus"; do
   if [ -d "$corpus" ]; then
     seeds+=("$corpus")
     break

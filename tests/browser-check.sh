@@ -13,7 +13,7 @@ set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
 nbtext=${1:-$root/build/nbtext}
-notebook=${2:-${NBTEXT_CORPUS_DIR:-$root/../shared/corpus}/015-demo-author-attractor-checkboxes.nb}
+notebook=${2:-$("$root/scripts/corpus-dir.sh")/015-demo-author-attractor-checkboxes.nb}
 shot=${3:-$root/build/browser-check.png}
 shift $(($# < 3 ? $# : 3))
 phrases=("$@")
@@ -37,12 +37,7 @@ skip() {
 }
 
 if ! browser=$(find_browser); then
-  if command -v apt-get >/dev/null 2>&1 && [ "$(id -u)" -eq 0 ]; then
-    echo "browser-check: installing chromium"
-    apt-get install -y --no-install-recommends chromium >/dev/null 2>&1 ||
-      { apt-get update >/dev/null 2>&1 && apt-get install -y --no-install-recommends chromium >/dev/null 2>&1; } ||
-      true
-  fi
+  "$root/scripts/ensure-tools.sh" browser || true
   browser=$(find_browser) || skip "no browser here and none could be installed"
 fi
 [ -x "$nbtext" ] || { echo "browser-check: no converter at $nbtext (build first)" >&2; exit 1; }

@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # The batch jobs over the corpus: scripts/nbtext-batch.py on a local Dask
 # cluster of two worker processes (whole, with a worker killed while it works,
-# resumed, and with the notebooks sent to the workers), on a running cluster
-# started with dask scheduler and dask worker, and the GNU parallel recipe;
-# every text must be what nbtext writes on its own.
+# resumed after failures, refused notebooks retried, and with the notebooks
+# sent to the workers), on a running cluster started with dask scheduler and
+# dask worker, and the GNU parallel recipe; every text must be what nbtext
+# writes on its own. Both stop before any work when nbtext or a module is
+# missing.
 . "$(dirname "$0")/common.sh"
 [ -x "$NBTEXT" ] || fail "$NBTEXT is not built (run make test first)"
 [ -f "$CORPUS/MANIFEST.tsv" ] || skip "no corpus at $CORPUS"
@@ -16,6 +18,59 @@ trap 'rm -rf "$WORK"' EXIT
 cp -r "$CORPUS" "$WORK/in"
 files=$(find "$WORK/in" -name '*.nb' | wc -l)
 refused=$(awk -F'\t' '$3 == "ancient"' "$CORPUS/MANIFEST.tsv" | wc -l)
+
+# expect_refusal STATUS MESSAGE OUTPUT_DIR COMMAND...: the command exits with
+# STATUS, says MESSAGE, and leaves no OUTPUT_DIR behind.
+expect_refusal() {
+  local expected=$1 message=$2 out=$3 status=0
+  shift 3
+  "$@" >"$WORK/refusal.log" 2>&1 || status=$?
+  [ "$status" = "$expected" ] && grep -qF "$message" "$WORK/refusal.log" && [ ! -e "$out" ] || {
+    cat "$WORK/refusal.log"
+    fail "$* exited with $status (expected $expected, saying '$message', no $out)"
+  }
+}
+
+echo "--- no nbtext anywhere, no Dask: both jobs stop before any work"
+# A copy of the script outside the checkout finds no build/nbtext beside it.
+# The PATH holds only the commands the scripts need before they look for nbtext.
+mkdir -p "$WORK/lone/scripts" "$WORK/path"
+cp "$BATCH" "$ROOT/scripts/nbtext-parallel.sh" "$WORK/lone/scripts/"
+for command in bash dirname realpath sed parallel; do ln -s "$(command -v $command)" "$WORK/path/"; done
+expect_refusal 2 "no nbtext on the PATH nor at $WORK/lone/build/nbtext" "$WORK/none" \
+  env PATH="$WORK/path" /usr/bin/python3 "$WORK/lone/scripts/nbtext-batch.py" "$WORK/in" "$WORK/none"
+expect_refusal 2 "$ROOT/scripts/ensure-tools.sh batch" "$WORK/none" \
+  /usr/bin/python3 -S "$BATCH" "$WORK/in" "$WORK/none" --nbtext "$NBTEXT"
+expect_refusal 255 "no nbtext on the PATH nor at $WORK/lone/build/nbtext" "$WORK/none" \
+  env PATH="$WORK/path" "$WORK/lone/scripts/nbtext-parallel.sh" "$WORK/in" "$WORK/none"
+
+echo "--- Dask, every conversion failing, then resumed with nbtext"
+# A stand-in that converts the check made before the run but exits 127 on
+# every notebook, as a broken installation could.
+cat >"$WORK/failing-nbtext" <<WRAP
+#!/bin/sh
+[ \$# -gt 0 ] && exit 127
+exec "$NBTEXT"
+WRAP
+chmod +x "$WORK/failing-nbtext"
+status=0
+"$BATCH" "$WORK/in" "$WORK/retried" --workers 2 --nbtext "$WORK/failing-nbtext" --quiet || status=$?
+[ "$status" = 1 ] || fail "a run where every conversion failed exited with $status, expected 1"
+$CHECK summary "$WORK/retried" files="$files" converted=0 refused=0 failed="$files" ||
+  fail "the summary of the failing run is wrong"
+"$BATCH" "$WORK/in" "$WORK/retried" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the resumed run failed"
+$CHECK summary "$WORK/retried" up_to_date=0 converted=$((files - refused)) refused="$refused" failed=0 ||
+  fail "the resumed run did not convert the failed notebooks again"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/retried" || fail "the records after the failures are wrong"
+
+echo "--- Dask, refused notebooks kept, then tried again with --retry-refused"
+"$BATCH" "$WORK/in" "$WORK/retried" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the third run failed"
+$CHECK summary "$WORK/retried" up_to_date="$files" converted=0 refused=0 || fail "refused notebooks were tried again"
+"$BATCH" "$WORK/in" "$WORK/retried" --workers 2 --nbtext "$NBTEXT" --retry-refused --quiet ||
+  fail "the run with --retry-refused failed"
+$CHECK summary "$WORK/retried" up_to_date=$((files - refused)) converted=0 refused="$refused" ||
+  fail "--retry-refused did not try the refused notebooks again, or tried more"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/retried" || fail "the records after --retry-refused are wrong"
 
 echo "--- Dask, 2 workers: $files notebooks"
 "$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the batch job failed"
@@ -30,6 +85,22 @@ touch "$WORK/in/$(awk -F'\t' '$3 == "recent" { print $1; exit }' "$CORPUS/MANIFE
 "$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the third run failed"
 $CHECK summary "$WORK/out" up_to_date=$((files - 1)) converted=1 || fail "the touched notebook was not converted alone"
 $CHECK records "$NBTEXT" "$WORK/in" "$WORK/out" || fail "the records after resuming are wrong"
+
+echo "--- a run stopped while writing: what it did not account for goes"
+shards=("$WORK"/out/part-*.jsonl)
+printf '{"path": "cut sh' >>"${shards[0]}"
+echo '{"path": "never accounted for"}' >"$WORK/out/part-orphan.jsonl"
+"$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the run after a stop failed"
+$CHECK summary "$WORK/out" up_to_date="$files" converted=0 || fail "the run after a stop converted again"
+[ ! -e "$WORK/out/part-orphan.jsonl" ] || fail "a shard that no record accounts for was kept"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/out" || fail "the records after a stop are wrong"
+echo "--- a shard cut short: its notebooks are converted again"
+lost=$(wc -l <"${shards[0]}")
+truncate -s -1 "${shards[0]}"
+"$BATCH" "$WORK/in" "$WORK/out" --workers 2 --nbtext "$NBTEXT" --quiet || fail "the run after a lost line failed"
+$CHECK summary "$WORK/out" up_to_date=$((files - lost)) failed=0 ||
+  fail "the $lost notebooks of a shard cut short were not converted again, or others were"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/out" || fail "the records after a lost line are wrong"
 
 echo "--- Dask, 2 workers, one killed while it converts"
 # Each conversion goes through a wrapper that waits a little first, so that a

@@ -5,7 +5,8 @@
         The JSON Lines shards of OUTPUT_DIR hold exactly one record per *.nb
         under INPUT_DIR, and each record's output and status are what
         `NBTEXT [-html] FILE` gives on its own; a refused notebook's record
-        carries its "could not index file" log line.
+        carries its "could not index file" log line. records.sqlite points
+        at each record's line, and the totals of summary.json count them.
     batch_check.py files NBTEXT INPUT_DIR OUTPUT_DIR EXT [-html]
         The same for one output file per notebook (OUTPUT_DIR/<path>.EXT).
     batch_check.py summary OUTPUT_DIR KEY=VALUE...
@@ -13,6 +14,7 @@
 """
 import json
 import os
+import sqlite3
 import subprocess
 import sys
 
@@ -44,8 +46,35 @@ def read_records(out):
     return records, problems
 
 
+def check_account(out, records):
+    """The ledger's rows point at the records' lines; the summary's totals count them."""
+    problems = []
+    db = sqlite3.connect(os.path.join(out, "records.sqlite"))
+    rows = db.execute("SELECT path, status, shard, offset, length FROM records").fetchall()
+    db.close()
+    if sorted(r[0] for r in rows) != sorted(records):
+        problems.append(f"records.sqlite has {len(rows)} rows for {len(records)} records")
+    for path, status, shard, offset, length in rows:
+        with open(os.path.join(out, shard), "rb") as f:
+            f.seek(offset)
+            line = f.read(length)
+        if not line.endswith(b"\n") or json.loads(line).get("path") != path:
+            problems.append(f"{path}: records.sqlite points at another line")
+        elif records.get(path, {}).get("status") != status:
+            problems.append(f"{path}: status {status} in records.sqlite")
+    totals = {"converted": 0, "refused": 0, "failed": 0}
+    for r in records.values():
+        totals["converted" if r["status"] == 0 else "refused" if r["status"] == 255 else "failed"] += 1
+    with open(os.path.join(out, "summary.json"), encoding="utf-8") as f:
+        summary = json.load(f)
+    if summary["records"] != totals:
+        problems.append(f"summary: records {summary['records']}, the shards hold {totals}")
+    return problems
+
+
 def check_records(nbtext, root, out, options):
     records, problems = read_records(out)
+    problems += check_account(out, records)
     expected = dict(notebooks(root))
     for path in sorted(set(records) - set(expected)):
         problems.append(f"{path}: recorded but not in the input")

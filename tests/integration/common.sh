@@ -3,30 +3,28 @@
 set -euo pipefail
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 NBTEXT=${NBTEXT:-$ROOT/build/nbtext}
-CORPUS=${CORPUS:-$ROOT/../shared/corpus}
+CORPUS=$("$ROOT/scripts/corpus-dir.sh")
 WORDS="python3 $ROOT/tests/integration/corpus_words.py"
 
 skip() { echo "SKIPPED: $*"; exit 0; }
 fail() { echo "FAILED: $*"; exit 1; }
 
-# need COMMAND PACKAGE...: installs the packages when COMMAND is missing.
+# need SET COMMAND...: installs scripts/ensure-tools.sh's SET when it lacks
+# something, and skips the test when a command is still missing.
 need() {
-  local command=$1; shift
-  command -v "$command" >/dev/null 2>&1 && return 0
-  command -v apt-get >/dev/null 2>&1 || skip "$command is missing and there is no apt-get to install $*"
-  [ "$(id -u)" = 0 ] || skip "$command is missing and installing $* needs root"
-  echo "Installing $*"
-  export DEBIAN_FRONTEND=noninteractive
-  { apt-get update -qq && apt-get install -y -qq --no-install-recommends "$@" >/dev/null; } ||
-    skip "apt-get could not install $*"
-  command -v "$command" >/dev/null 2>&1 || skip "$* did not bring $command"
+  local set=$1 command
+  shift
+  "$ROOT/scripts/ensure-tools.sh" "$set" || skip "scripts/ensure-tools.sh could not install the $set tools"
+  for command; do
+    command -v "$command" >/dev/null 2>&1 || skip "$command is missing after installing the $set tools"
+  done
 }
 
 # Converts the corpus, links its notebooks into $WORK/docs and picks the words.
 prepare_words() {
   [ -x "$NBTEXT" ] || fail "$NBTEXT is not built (run make test first)"
   [ -f "$CORPUS/MANIFEST.tsv" ] || skip "no corpus at $CORPUS"
-  need python3 python3
+  need native python3
   WORK=$(mktemp -d "${TMPDIR:-/tmp}/nbtext-index.XXXXXX")
   [ -n "${KEEP_WORK:-}" ] && echo "Work folder: $WORK" || trap 'rm -rf "$WORK"' EXIT
   $WORDS prepare "$NBTEXT" "$CORPUS" "$WORK" || fail "could not choose the words"

@@ -3,8 +3,7 @@
 # corpus once as plain text and once with -html as HTML, then queries with
 # quest. omindex appends the file name to the command and reads its output.
 . "$(dirname "$0")/common.sh"
-need omindex xapian-omega
-need quest xapian-tools
+need omindex omindex quest
 prepare_words
 
 # index_and_check MODE OUTPUT-TYPE [NBTEXT-OPTION]

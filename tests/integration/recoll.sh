@@ -2,7 +2,7 @@
 # Recoll with nbtext as its exec filter for *.nb: indexes the corpus once as
 # text/plain and once with -html as text/html, then queries with recollq.
 . "$(dirname "$0")/common.sh"
-need recollindex recollcmd
+need recoll recollindex
 prepare_words
 
 # index_and_check MODE OUTPUT-TYPE [NBTEXT-OPTION]
