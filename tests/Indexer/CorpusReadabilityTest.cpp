@@ -2,10 +2,12 @@
 //
 // Converts every notebook of the corpus with both renderers (each must
 // convert) and counts, in both outputs, the faults that make real notebooks
-// hard to read or search: words glued across a string's line break, cells nested in cells, settings run into
-// words, code debris in cells that are not code, names left as escapes and
-// cells that start indented. Each count must be zero; the table printed
-// first tells where a count comes from.
+// hard to read or search: words glued across a string's line break, cells
+// nested in cells or left open, settings run into words, code debris in
+// cells that are not code, names left as escapes, cells that start
+// indented, form names after content, numbers reprinted, the debris of
+// templates, runs of empty lines and lines that end in blanks. Each count
+// must be zero; the table printed first tells where a count comes from.
 //
 //===----------------------------------------------------------------------===//
 #include <gtest/gtest.h>
@@ -86,6 +88,16 @@ Rendering RenderText(const std::string& thePath) {
     result.cells.push_back({starts[i].style, TextOf(out, starts[i].at, end), starts[i].plain, starts[i].indent});
   }
   return result;
+}
+
+/// The text as nbtext writes it, through the renderer's own stream writer.
+std::string RenderTextStream(const std::string& thePath) {
+  auto data = adopt(new Zn::MutableData());
+  auto sink = adopt(Zn::Data::createWriteStream(data.get()));
+  auto indexer = adopt(new NotebookTextIndexer(sink.get()));
+  auto input = adopt(Zn::FilePointerStream::createForReading(thePath.c_str()));
+  EXPECT_TRUE(input && indexer->indexStream(input.get())) << thePath;
+  return ZnTest::Bytes(data.get());
 }
 
 Rendering RenderHTML(const std::string& thePath) {
@@ -251,10 +263,109 @@ bool IsCodeStyle(const std::string& theStyle) {
   return theStyle == "Input" || theStyle == "InputOnly" || theStyle == "Code";
 }
 
-enum Fault { kGluedWords, kNestedCells, kSettingsInWords, kDebris, kLeftoverNames, kIndentedCells, kFaultCount };
-const char* const kFaultNames[kFaultCount] = {"words glued across a line break", "cells nested or badly named",
-                                              "settings run into words", "code debris outside code",
-                                              "names left as escapes", "cells starting indented"};
+enum Fault {
+  kGluedWords,
+  kNestedCells,
+  kSettingsInWords,
+  kDebris,
+  kLeftoverNames,
+  kIndentedCells,
+  kUnclosedCells,
+  kFormNames,
+  kReprintedNumbers,
+  kTemplateDebris,
+  kEmptyLineRuns,
+  kTrailingBlanks,
+  kFaultCount
+};
+const char* const kFaultNames[kFaultCount] = {
+    "words glued across a line break", "cells nested or badly named", "settings run into words",
+    "code debris outside code",        "names left as escapes",       "cells starting indented",
+    "cell divs unclosed",              "form names after content",    "numbers reprinted",
+    "template tags, None, paclet:",    "runs of empty lines",         "lines ending in blanks"};
+
+/// The tags of the source's templates: the string after the first
+/// argument of each TemplateBox.
+std::set<std::string> TemplateTags(const std::string& theSource) {
+  std::set<std::string> tags;
+  const std::string head = "TemplateBox[";
+  for (size_t at = theSource.find(head); at != std::string::npos; at = theSource.find(head, at + 1)) {
+    int depth = 0;
+    bool quoted = false;
+    size_t i = at + head.size();
+    for (; i < theSource.size(); ++i) {
+      char c = theSource[i];
+      if (quoted) {
+        if (c == '\\')
+          ++i;
+        else if (c == '"')
+          quoted = false;
+      } else if (c == '"') {
+        quoted = true;
+      } else if (c == '[' || c == '{' || c == '(') {
+        ++depth;
+      } else if (c == ']' || c == '}' || c == ')') {
+        if (depth-- == 0)
+          break;
+      } else if (c == ',' && depth == 0) {
+        break;
+      }
+    }
+    size_t open = theSource.find_first_not_of(" \t\r\n", i + 1);
+    if (i >= theSource.size() || theSource[i] != ',' || open == std::string::npos || theSource[open] != '"')
+      continue;
+    size_t close = theSource.find('"', open + 1);
+    if (close != std::string::npos && close - open > 2)
+      tags.insert(theSource.substr(open + 1, close - open - 1));
+  }
+  return tags;
+}
+
+/// How often theWord stands in theText as a word of its own.
+int CountWord(const std::string& theText, const std::string& theWord) {
+  int count = 0;
+  for (size_t at = theText.find(theWord); at != std::string::npos; at = theText.find(theWord, at + 1)) {
+    const size_t end = at + theWord.size();
+    if ((at == 0 || !IsWordCharacter(theText[at - 1])) && (end >= theText.size() || !IsWordCharacter(theText[end])))
+      ++count;
+  }
+  return count;
+}
+
+int CountOccurrences(const std::string& theText, const std::string& thePart) {
+  int count = 0;
+  for (size_t at = theText.find(thePart); at != std::string::npos; at = theText.find(thePart, at + 1))
+    ++count;
+  return count;
+}
+
+/// A number in the output that the source does not hold: six fixed
+/// decimals, or ten digits and more (a wrapped integer).
+int CountReprintedNumbers(const std::string& theOut, const std::string& theSource, std::vector<std::string>* theSamples) {
+  int count = 0;
+  for (size_t i = 0; i < theOut.size(); ++i) {
+    if (!IsDigit(theOut[i]) || (i > 0 && (IsWordCharacter(theOut[i - 1]) || theOut[i - 1] == '.')))
+      continue;
+    size_t end = i;
+    while (end < theOut.size() && IsDigit(theOut[end]))
+      ++end;
+    size_t decimals = 0;
+    if (end < theOut.size() && theOut[end] == '.') {
+      size_t fraction = end + 1;
+      while (fraction < theOut.size() && IsDigit(theOut[fraction]))
+        ++fraction;
+      decimals = fraction - end - 1;
+      end = fraction;
+    }
+    const std::string number = theOut.substr(i, end - i);
+    if ((decimals == 6 || (decimals == 0 && end - i >= 10)) && theSource.find(number) == std::string::npos) {
+      if (++count <= 3)
+        theSamples->push_back(number);
+    }
+    i = end;
+  }
+  return count;
+}
 
 struct Tally {
   int counts[kFaultCount] = {};
@@ -268,6 +379,52 @@ struct Tally {
     samples.insert(samples.end(), theSamples.begin(), theSamples.end());
   }
 };
+
+/// The faults of the whole output: divs left open, runs of empty lines,
+/// lines ending in blanks.
+void MeasureLayout(const std::string& theFile, const std::string& theOut, bool theIsHTML, Tally* theTally) {
+  std::vector<std::string> samples;
+  int count = 0;
+  if (theIsHTML) {
+    int depth = 0;
+    for (size_t at = theOut.find("<div"); at != std::string::npos; at = theOut.find("<div", at + 1)) {
+      size_t close = theOut.find("</div>", at);
+      // Every div closed before the next one opens.
+      size_t next = theOut.find("<div", at + 1);
+      if (close == std::string::npos || (next != std::string::npos && next < close)) {
+        if (++count <= 3)
+          samples.push_back(theOut.substr(at, 50));
+      }
+      ++depth;
+    }
+    for (size_t at = theOut.find("</div>"); at != std::string::npos; at = theOut.find("</div>", at + 1))
+      --depth;
+    count += depth > 0 ? depth : 0;
+    theTally->add(kUnclosedCells, theFile, count, samples);
+  }
+  samples.clear();
+  count = 0;
+  int blanks = 0;
+  std::vector<std::string> blankSamples;
+  int emptyLines = 0;
+  for (size_t start = 0; start < theOut.size();) {
+    size_t end = theOut.find('\n', start);
+    if (end == std::string::npos)
+      end = theOut.size();
+    const std::string line = theOut.substr(start, end - start);
+    if (!line.empty() && (line.back() == ' ' || line.back() == '\t') && ++blanks <= 3)
+      blankSamples.push_back(line.substr(line.size() < 40 ? 0 : line.size() - 40));
+    if (line.find_first_not_of(" \t") == std::string::npos) {
+      if (++emptyLines == 2 && ++count <= 3)
+        samples.push_back(theOut.substr(start < 40 ? 0 : start - 40, 40));
+    } else {
+      emptyLines = 0;
+    }
+    start = end + 1;
+  }
+  theTally->add(kEmptyLineRuns, theFile, count, samples);
+  theTally->add(kTrailingBlanks, theFile, blanks, blankSamples);
+}
 
 void Measure(const std::string& theFile, const std::string& theSource, const Rendering& theRendering, bool theIsHTML,
              Tally* theTally) {
@@ -350,6 +507,63 @@ void Measure(const std::string& theFile, const std::string& theSource, const Ren
       samples.push_back(out.substr(at, close + 1 - at));
   }
   theTally->add(kLeftoverNames, theFile, count, samples);
+
+  // Outside code: form names, numbers reprinted through machine types, and
+  // what templates leave behind when they are not shown as the page does.
+  samples.clear();
+  count = 0;
+  int numbers = 0;
+  std::vector<std::string> numberSamples;
+  int debris = 0;
+  std::vector<std::string> debrisSamples;
+  const std::set<std::string> tags = TemplateTags(theSource);
+  // Long numbers of the source may be cut by backslash-newline.
+  std::string joined;
+  for (size_t i = 0; i < theSource.size(); ++i) {
+    if (theSource[i] == '\\' && i + 1 < theSource.size() && (theSource[i + 1] == '\n' || theSource[i + 1] == '\r')) {
+      i += theSource[i + 1] == '\r' && i + 2 < theSource.size() && theSource[i + 2] == '\n' ? 2 : 1;
+      continue;
+    }
+    joined += theSource[i];
+  }
+  for (const auto& cell : theRendering.cells) {
+    if (IsCodeStyle(cell.style) || cell.plain)
+      continue;
+    // The form of a cell's boxes, run into what they show ("x^2StandardForm").
+    for (const char* form : {"StandardForm", "TraditionalForm"}) {
+      for (size_t at = cell.text.find(form); at != std::string::npos; at = cell.text.find(form, at + 1)) {
+        const char before = at > 0 ? cell.text[at - 1] : ' ';
+        if ((IsWordCharacter(before) || before == ')' || before == ']' || before == '}') && ++count <= 3)
+          samples.push_back(cell.text.substr(at < 30 ? 0 : at - 30, 50));
+      }
+    }
+    numbers += CountReprintedNumbers(cell.text, joined, &numberSamples);
+    auto noteDebris = [&](const std::string& theWhat, int theCount) {
+      debris += theCount;
+      if (theCount > 0 && debrisSamples.size() < 3)
+        debrisSamples.push_back(theWhat);
+    };
+    noteDebris("paclet:", int(cell.text.find("paclet:") != std::string::npos));
+    for (const char* word : {"None", "Automatic"}) {
+      // A lone setting: a whole word between blanks or at a line's end.
+      for (size_t at = cell.text.find(word); at != std::string::npos; at = cell.text.find(word, at + 1)) {
+        const size_t end = at + std::string(word).size();
+        const bool before = at == 0 || cell.text[at - 1] == ' ' || cell.text[at - 1] == '\n';
+        const bool after = end >= cell.text.size() || cell.text[end] == ' ' || cell.text[end] == '\n';
+        if (before && after && CountWord(theSource, word) == CountWord(theSource, std::string(word) + "]"))
+          noteDebris(word, 1);
+      }
+    }
+    for (const std::string& tag : tags) {
+      // A tag that the source holds only as a tag.
+      const int uses = CountWord(cell.text, tag);
+      if (uses > 0 && CountWord(theSource, tag) == CountOccurrences(theSource, "\"" + tag + "\""))
+        noteDebris(tag, uses);
+    }
+  }
+  theTally->add(kFormNames, theFile, count, samples);
+  theTally->add(kReprintedNumbers, theFile, numbers, numberSamples);
+  theTally->add(kTemplateDebris, theFile, debris, debrisSamples);
 }
 
 void Report(const char* theRenderer, const Tally& theTally) {
@@ -378,7 +592,10 @@ TEST(CorpusReadabilityTest, RealNotebooksReadAsTheirPagesDo) {
     const std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
     const std::string source = ZnTest::ReadFile(path);
     Measure(file.name, source, RenderText(path), false, &text);
-    Measure(file.name, source, RenderHTML(path), true, &html);
+    const Rendering page = RenderHTML(path);
+    Measure(file.name, source, page, true, &html);
+    MeasureLayout(file.name, RenderTextStream(path), false, &text);
+    MeasureLayout(file.name, page.out, true, &html);
   }
   EXPECT_EQ(measured, 81);
   Report("text", text);
