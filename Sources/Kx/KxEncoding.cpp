@@ -6,6 +6,7 @@
 #include "Zn/Base/ZnData.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/Util/ZnUtil.h"
+#include <type_traits>
 
 namespace Zn::Kx {
 
@@ -35,17 +36,21 @@ const ReplacementRow kReplacementRows[] = {
     // Line breaks.
     {0x2028, "\n"}, {0x2029, "\n"}, {0xF3A3, "\n"},
     // Visible spaces.
-    {0xF76E, " "}, {0xF76F, " "}, {0x200A, " "}, {0x2009, " "}, {0x205F, " "}, {0x2005, " "}, {0x2062, " "},
+    {0xF76E, " "}, {0xF76F, " "}, {0x200A, " "}, {0x2009, " "}, {0x205F, " "}, {0x2005, " "}, {0x2062, ""},
     {0xF754, " "},
-    // Invisible characters, dropped.
+    // Invisible and formatting characters, dropped.
     {0xF380, ""}, {0xF760, ""}, {0xF360, ""}, {0xF382, ""}, {0xF383, ""}, {0xF384, ""}, {0xF3A2, ""},
-    {0xF3BA, ""}, {0xF3BB, ""}, {0xF3BC, ""},
+    {0xF3BA, ""}, {0xF3BB, ""}, {0xF3BC, ""}, {0xF3A0, ""}, {0xF3AD, ""}, {0xF3B1, ""}, {0xF3B3, ""},
+    {0xF3B4, ""}, {0xF3B5, ""}, {0xF765, ""}, {0xF76D, ""}, {0x00AD, ""}, {0x200B, ""}, {0x2061, ""},
+    {0x2063, ""},
     // Constants.
     {0x03C0, "Pi"}, {0xF74E, "I"}, {0xF74D, "E"}, {0xF74C, "d"}, {0xF74B, "D"},
     // Operators that are only read by name: associations, rules, edges, functions.
     {0xF113, "<|"}, {0xF114, "|>"}, {0xF120, "<->"}, {0xF3D4, "<->"}, {0xF3D5, "->"}, {0xF4A1, "|->"},
+    // Limits, which the page writes as words.
+    {0xF438, "lim"}, {0xF439, "max"}, {0xF43A, "min"},
 };
-static_assert(sizeof kReplacementRows / sizeof kReplacementRows[0] == 66);
+static_assert(sizeof kReplacementRows / sizeof kReplacementRows[0] == 81);
 
 // Built once under the lock below and read-only afterwards. Both start out
 // constant-initialised, so an encoding made during static initialisation
@@ -121,7 +126,33 @@ struct StringSink {
   MutableString* string;
   void put(uint8_t theByte) { string->appendCharacter(theByte); }
   void put(const char* theText, ZnIndex theLength) { string->appendCString(theText, theLength); }
+  /// A character of any plane, as one unit or a surrogate pair.
+  void putCharacter(uint32_t theCode) {
+    if (theCode < 0x10000) {
+      string->appendCharacter(ZnUnichar(theCode));
+      return;
+    }
+    theCode -= 0x10000;
+    string->appendCharacter(ZnUnichar(0xD800 + (theCode >> 10)));
+    string->appendCharacter(ZnUnichar(0xDC00 + (theCode & 0x3FF)));
+  }
 };
+
+/// The standard letter of a private-use one, or 0.
+uint32_t StandardLetterFor(ZnUnichar theCode) {
+  static ZnIndex sCount = 0;
+  static const StandardLetter* sRows = GetStandardLetterRows(&sCount);
+  ZnIndex low = 0;
+  ZnIndex high = sCount;
+  while (low < high) {
+    const ZnIndex middle = (low + high) / 2;
+    if (sRows[middle].code < theCode)
+      low = middle + 1;
+    else
+      high = middle;
+  }
+  return low < sCount && sRows[low].code == theCode ? sRows[low].standard : 0;
+}
 } // namespace
 
 //===--- Construction ----------------------------------------------------===//
@@ -210,6 +241,14 @@ ZnIndex Encoding::decodeCharacters(const ZnUnichar* theCharacters, ZnIndex theCo
 
 template <class Sink>
 bool Encoding::writeCharacter(ZnUnichar theCode, Sink& theSink, uint32_t theFlags) const {
+  if constexpr (std::is_same_v<Sink, StringSink>) {
+    if ((theFlags & kStandardLetters) && theCode >= 0xE000 && theCode < 0xF900) {
+      if (const uint32_t letter = StandardLetterFor(theCode)) {
+        theSink.putCharacter(letter);
+        return true;
+      }
+    }
+  }
   ZnIndex length = 0;
   if (const char* text = replacements_->replacementForCode(theCode, &length)) {
     theSink.put(text, length);

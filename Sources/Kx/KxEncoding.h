@@ -30,10 +30,11 @@ public:
     kNameOther = 0x10,       ///< every other code point
     kEscapeQuotes = 0x40,    ///< write '"' and '\' with a backslash in front
     kDecodeNames = 0x100,    ///< read "\[Name]"
+    kStandardLetters = 0x200, ///< write private-use letters as their standard ones
   };
   /// Plain text names Greek letters too; HTML shows them as they are.
-  static constexpr uint32_t kTextFlags = kDecodeNames | kNamePrivateUse | kNameGreek;
-  static constexpr uint32_t kHTMLFlags = kDecodeNames | kNamePrivateUse;
+  static constexpr uint32_t kTextFlags = kDecodeNames | kNamePrivateUse | kNameGreek | kStandardLetters;
+  static constexpr uint32_t kHTMLFlags = kDecodeNames | kNamePrivateUse | kStandardLetters;
 
   explicit Encoding(uint32_t theFlags);
   uint32_t getFlags() const { return flags_; }

@@ -14,6 +14,15 @@ static const NamedCharacter kReadOnlyNameRows[] = {
 #include "Kx/KxReadOnlyNameTable.inc"
 };
 
+static const StandardLetter kStandardLetterRows[] = {
+#include "Kx/KxStandardLetterTable.inc"
+};
+
+const StandardLetter* GetStandardLetterRows(ZnIndex* theCount) {
+  *theCount = ZnIndex(sizeof kStandardLetterRows / sizeof kStandardLetterRows[0]);
+  return kStandardLetterRows;
+}
+
 const NamedCharacter* GetNamedCharacterRows(ZnIndex* theCount) {
   *theCount = ZnIndex(sizeof kNamedCharacterRows / sizeof kNamedCharacterRows[0]);
   return kNamedCharacterRows;

@@ -18,6 +18,15 @@ const NamedCharacter* GetNamedCharacterRows(ZnIndex* theCount);
 /// rows above lack. None of them is a name of those rows.
 const NamedCharacter* GetReadOnlyNameRows(ZnIndex* theCount);
 
+/// A letter that the notebook system keeps in the private-use area and the
+/// standard character of the same name (above U+FFFF for most).
+struct StandardLetter {
+  ZnUnichar code;
+  uint32_t standard;
+};
+/// The standard letters, in the order of their private-use codes.
+const StandardLetter* GetStandardLetterRows(ZnIndex* theCount);
+
 /// Lookup in both directions over the named rows: a name (as bytes or as
 /// code units) to its code point, and a code point to its name. Both
 /// indexes are open-addressed tables inside the object, so loading and

@@ -276,13 +276,41 @@ enum Fault {
   kTemplateDebris,
   kEmptyLineRuns,
   kTrailingBlanks,
+  kInvisibleNames,
   kFaultCount
 };
 const char* const kFaultNames[kFaultCount] = {
     "words glued across a line break", "cells nested or badly named", "settings run into words",
     "code debris outside code",        "names left as escapes",       "cells starting indented",
     "cell divs unclosed",              "form names after content",    "numbers reprinted",
-    "template tags, None, paclet:",    "runs of empty lines",         "lines ending in blanks"};
+    "template tags, None, paclet:",    "runs of empty lines",         "lines ending in blanks",
+    "invisible or private-use names"};
+
+/// Names that the page never shows as names: invisible and formatting
+/// characters, private-use letters that Unicode has, and the operators
+/// that only recent notebooks name.
+bool IsInvisibleOrPrivateName(const std::string& theName) {
+  static const std::set<std::string> names = {"Null",  "AlignmentMarker", "NoBreak",  "AutoSpace", "Continuation",
+                                              "Minus", "Limit",           "MaxLimit", "MinLimit"};
+  if (theName.compare(0, 9, "Invisible") == 0 || names.count(theName))
+    return true;
+  for (const char* family : {"DoubleStruck", "Script", "Gothic"}) {
+    const std::string prefix = family;
+    if (theName.compare(0, prefix.size(), prefix) != 0)
+      continue;
+    std::string rest = theName.substr(prefix.size());
+    if (rest.compare(0, 7, "Capital") == 0)
+      rest = rest.substr(7);
+    if (rest.size() == 1 && IsLetter(rest[0]))
+      return true;
+    // Of the digits, Unicode has only the double-struck ones.
+    static const std::set<std::string> digits = {"Zero", "One", "Two",   "Three", "Four",
+                                                 "Five", "Six", "Seven", "Eight", "Nine"};
+    if (prefix == "DoubleStruck" && digits.count(rest))
+      return true;
+  }
+  return false;
+}
 
 /// The tags of the source's templates: the string after the first
 /// argument of each TemplateBox.
@@ -507,6 +535,16 @@ void Measure(const std::string& theFile, const std::string& theSource, const Ren
       samples.push_back(out.substr(at, close + 1 - at));
   }
   theTally->add(kLeftoverNames, theFile, count, samples);
+
+  samples.clear();
+  count = 0;
+  for (size_t at = out.find("\\["); at != std::string::npos; at = out.find("\\[", at + 1)) {
+    size_t close = out.find(']', at);
+    if (close != std::string::npos && close - at < 40 &&
+        IsInvisibleOrPrivateName(out.substr(at + 2, close - at - 2)) && ++count <= 3)
+      samples.push_back(out.substr(at, close + 1 - at));
+  }
+  theTally->add(kInvisibleNames, theFile, count, samples);
 
   // Outside code: form names, numbers reprinted through machine types, and
   // what templates leave behind when they are not shown as the page does.

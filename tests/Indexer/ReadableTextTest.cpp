@@ -147,6 +147,12 @@ const Golden kGoldens[] = {
      "17597065061419045402, 123456789012345678901234567890, 6.02*^23, 1.5*^-10, 3.14159265, 2., -7\n\n",
      "\n<div class=\"Output\">17597065061419045402, 123456789012345678901234567890, 6.02*^23, 1.5*^-10, 3.14159265, "
      "2., -7</div>"},
+    // Invisible characters write nothing; private-use letters are their
+    // standard ones; Greek stays named in text only.
+    {"CharactersAsThePageShowsThem",
+     R"nb(Cell["x\[InvisibleComma]y \[DoubleStruckCapitalR] \[ScriptCapitalP] \[GothicG] \[DoubleStruckOne] \[Minus]1 \[Limit] \[MaxLimit] a\[InvisibleTimes]b \[Null]c\[AlignmentMarker] \[Alpha]", "Text"])nb",
+     "xy \u211D \U0001D4AB \U0001D524 \U0001D7D9 \u22121 lim max ab c \\[Alpha]\n\n",
+     "\n<div class=\"Text\">xy \u211D \U0001D4AB \U0001D524 \U0001D7D9 \u22121 lim max ab c \u03B1</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};

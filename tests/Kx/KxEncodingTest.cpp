@@ -99,7 +99,7 @@ const WriteCase kWriteCases[] = {
     {Way::kUnits, u"\u03B1", 0x108, "\\:03b1"},
     {Way::kUnits, u"\u00E9", 0x10D, "\\.e9"},
     {Way::kUnits, u"\u00E9", 0x002, "\\[EAcute]"},
-    {Way::kUnits, u"\uF720\uF3A0", 0x008, "\\[Pictogram1]\\[Null]"},
+    {Way::kUnits, u"\uF720\uF3A0\uF764", 0x008, "\\[Pictogram1]:"}, // Null is dropped, AliasDelimiter ":"
     {Way::kUnits, u"\u221E", 0x00F, "\\:221e"},
     {Way::kUnits, u"\u221E", 0x010, "\\[Infinity]"},
     {Way::kUnits, u"!\t", 0x001, "\\[RawExclamation]\\[RawTab]"},

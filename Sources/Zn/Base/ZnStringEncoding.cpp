@@ -161,8 +161,16 @@ ZnIndex UTF8Encoding::encodeCharacters(const ZnUnichar* theCharacters, ZnIndex t
     } else if (u < 0x800) {
       *out++ = uint8_t(0xC0 | (u >> 6));
       *out++ = uint8_t(0x80 | (u & 0x3F));
+    } else if (u >= 0xD800 && u < 0xDC00 && i + 1 < theCount && theCharacters[i + 1] >= 0xDC00 &&
+               theCharacters[i + 1] < 0xE000) {
+      // A surrogate pair is one character of four bytes.
+      const uint32_t c = 0x10000 + ((uint32_t(u) - 0xD800) << 10) + (uint32_t(theCharacters[++i]) - 0xDC00);
+      *out++ = uint8_t(0xF0 | (c >> 18));
+      *out++ = uint8_t(0x80 | ((c >> 12) & 0x3F));
+      *out++ = uint8_t(0x80 | ((c >> 6) & 0x3F));
+      *out++ = uint8_t(0x80 | (c & 0x3F));
     } else {
-      // Surrogates too: each half is its own three-byte sequence.
+      // A surrogate without its other half is its own three-byte sequence.
       *out++ = uint8_t(0xE0 | (u >> 12));
       *out++ = uint8_t(0x80 | ((u >> 6) & 0x3F));
       *out++ = uint8_t(0x80 | (u & 0x3F));

@@ -45,7 +45,9 @@ TEST_F(StringEncodingTest, EncodesEachIdAsSpecified) {
       // UTF-8: one to three bytes a unit, surrogates one by one, mark first
       {5, u"A\u00e9", "41 C3 A9"},
       {5, u"\u07ff\u20ac", "DF BF E2 82 AC"},
-      {5, u"\U0001F600", "ED A0 BD ED B8 80"},
+      {5, u"\U0001F600", "F0 9F 98 80"},
+      // A surrogate without its other half stays a sequence of its own.
+      {5, u"a\xD83D" u"b", "61 ED A0 BD 62"},
       {4, u"A", "EF BB BF 41"},
       {4, u"", ""},
       // UTF-16: the mark is in the opposite order to the data behind it
