@@ -334,14 +334,16 @@ void SearchIndexer::writeMessage(Expr* theArguments, const IndexContext& theCont
   indexBox(theArguments->part(2), theContext);
   writer->putBytes(": ");
   Expr* message = theArguments->part(3);
-  Zn::String* text = stringText(message);
   ZnIndex last = theArguments->length();
   while (last > 3 && isMessageMark(theArguments->part(last)))
     --last;
-  if (!text || last <= 3 || text->indexOfCString("`", true, 0) < 0)
+  Zn::String* source = stringText(message);
+  if (!source || last <= 3 || source->indexOfCString("`", true, 0) < 0)
     return indexBox(message, theContext);
-  // The slots `1`, `2`, ... take the values' text, escaped as the message
-  // string is.
+  // The slots `1`, `2`, ... of the text as shown take the values' text.
+  IndexContext plain = theContext;
+  plain.showStringCharacters = false;
+  auto text = adopt(stringForBox(message, plain));
   auto filled = adopt(new Zn::MutableString(text->length() + 32));
   const ZnUnichar* units = text->getCharactersPtr();
   const ZnIndex length = text->length();
@@ -350,24 +352,15 @@ void SearchIndexer::writeMessage(Expr* theArguments, const IndexContext& theCont
     int32_t slot = 0;
     while (units[i] == '`' && end < length && units[end] >= '0' && units[end] <= '9' && slot < 1000)
       slot = slot * 10 + (units[end++] - '0');
-    Expr* value = units[i] == '`' && end > i + 1 && end < length && units[end] == '`' && slot >= 1
-                      ? (slot + 3 <= last ? theArguments->part(slot + 3) : nullptr)
-                      : nullptr;
+    const bool isSlot = units[i] == '`' && end > i + 1 && end < length && units[end] == '`';
+    Expr* value = isSlot && slot >= 1 && slot + 3 <= last ? theArguments->part(slot + 3) : nullptr;
     if (!value) {
       filled->appendCharacter(units[i]);
       continue;
     }
-    IndexContext plain = theContext;
-    plain.showStringCharacters = false;
-    auto shown = adopt(stringForBox(value, plain));
-    for (ZnIndex k = 0; k < shown->length(); ++k) {
-      const ZnUnichar c = shown->characterAtIndex(k);
-      if (c == '"' || c == '\\')
-        filled->appendCharacter('\\');
-      filled->appendCharacter(c);
-    }
+    filled->appendString(adopt(stringForBox(value, plain)).get());
     i = end;
   }
-  auto atom = adopt(new Zn::Kx::CharacterString(filled.get(), true));
-  indexBox(atom.get(), theContext);
+  // Both texts are written already, escapes and names resolved.
+  writer->putString(filled.get());
 }

@@ -153,6 +153,16 @@ const Golden kGoldens[] = {
      R"nb(Cell["x\[InvisibleComma]y \[DoubleStruckCapitalR] \[ScriptCapitalP] \[GothicG] \[DoubleStruckOne] \[Minus]1 \[Limit] \[MaxLimit] a\[InvisibleTimes]b \[Null]c\[AlignmentMarker] \[Alpha]", "Text"])nb",
      "xy \u211D \U0001D4AB \U0001D524 \U0001D7D9 \u22121 lim max ab c \\[Alpha]\n\n",
      "\n<div class=\"Text\">xy \u211D \U0001D4AB \U0001D524 \U0001D7D9 \u22121 lim max ab c \u03B1</div>"},
+    // Templates: by the display function the box or the style sheet gives,
+    // else in the page form of their tag; never their settings.
+    {"TemplatesShowAsThePageDoes",
+     R"nb(Cell[BoxData[TemplateBox[{"f", "x"}, "Call", DisplayFunction -> (RowBox[{#1, "[", #2, "]"}] &)]], "Output"], Cell[BoxData[TemplateBox[{"a", "b", "c"}, "Seq", DisplayFunction -> (RowBox[{"{", ##, "}"}] &)]], "Output"], Cell[BoxData[RowBox[{TemplateBox[{"q"}, "Boxed"], TemplateBox[{"r"}, "Loop"]}]], "Output"], Cell[BoxData[TemplateBox[{"General", "ivar", "\"`1` is not a valid variable; see `2`.\"", "5", "\"\\\"y\\\"\"", 2, 7, 1, 17597065061419045402, "Local"}, "MessageTemplate"]], "Message"], Cell[BoxData[RowBox[{TemplateBox[{"\"Local \[RightGuillemet]\"", "paclet:ref/BesselJ", "paclet:ref/BesselJ", "Link"}, "HyperlinkTemplate"], TemplateBox[{8}, "Spacer1"], TemplateBox[{"\"Web\"", {URL["https://example.org/J.html"], None}, "https://example.org/J.html", "Hyperlink"}, "HyperlinkTemplate"]}]], "Output"], Cell[BoxData[RowBox[{TemplateBox[{"\"12\"", "\" kB\""}, "RowDefault"], ",", TemplateBox[{"T1"}, "C"], ",", TemplateBox[{"75.", "31."}, "Around"], ",", TemplateBox[{"242"}, "OutputSizeLimit`Skeleton"], ",", TemplateBox[{"shown", None, Automatic, "paclet:guide/X", "Odd", True}, "Odd"]}]], "Output"]}, StyleDefinitions -> Notebook[{Cell[StyleData["Boxed"], TemplateBoxOptions -> {DisplayFunction -> (FrameBox[RowBox[{"<", #, ">"}]] &)}], Cell[StyleData["Loop"], TemplateBoxOptions -> {DisplayFunction -> (TemplateBox[{#}, "Loop"] &)}]}], TaggingRules -> {"k")nb",
+     "f[x]\n\n{abc}\n\n<q>r\n\nGeneral::ivar: 5 is not a valid variable; see \"y\".\n\n"
+     "Local \u00BB Web <https://example.org/J.html>\n\n12 kB, CT1, 75. \u00B1 31., <<242>>, shown\n\n",
+     "\n<div class=\"Output\">f[x]</div>\n<div class=\"Output\">{abc}</div>\n<div class=\"Output\">&lt;q&gt;r</div>"
+     "\n<div class=\"Message\">General::ivar: 5 is not a valid variable; see &quot;y&quot;.</div>"
+     "\n<div class=\"Output\">Local \u00BB <a href=\"https://example.org/J.html\">Web</a></div>"
+     "\n<div class=\"Output\">12 kB, C<sub>T1</sub>, 75. \u00B1 31., &lt;&lt;242&gt;&gt;, shown</div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};
