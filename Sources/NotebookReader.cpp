@@ -71,7 +71,10 @@ Zn::String* DescribeTop(Expr* theExpr) {
 /// +1. Why theParser gave no expression.
 Zn::String* DescribeFailure(const ExprParser* theParser) {
   const Zn::SourceRange& range = theParser->getFailureRange();
-  const long line = long(int32_t(range.startLine + 1)), column = long(int32_t(range.startColumn + 1));
+  // The reader's column counts the characters before the place on the
+  // first line, and the line break as well on every later one.
+  const long line = long(int32_t(range.startLine + 1));
+  const long column = long(int32_t(range.startColumn + (range.startLine == 0 ? 1 : 0)));
   if (theParser->getFailure() == ExprParser::Failure::kTooDeep)
     return Zn::StringWithFormat("nested deeper than %ld levels at line %ld, column %ld",
                                 long(Zn::Kx::kMaxNestingDepth), line, column);

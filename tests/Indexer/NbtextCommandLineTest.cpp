@@ -184,6 +184,7 @@ TEST(NbtextCommandLineTest, ARefusalSaysWhyOnOneLine) {
       {"Notebook[{Cell[\"x\", \"Text\"]",
        "syntax error, unexpected end of file, expecting '}' or ',' at line 1, column 28"},
       {"Notebook[{Cell[\"x\"]}]]]", "syntax error, unexpected ']', expecting end of file at line 1, column 22"},
+      {"Notebook[{}\r\n]]", "syntax error, unexpected ']', expecting end of file at line 2, column 2"},
       {"Notebook[{Cell[\"x\n", "syntax error, unterminated string at line 1, column 16"},
       {"Notebook[{}] (* open", "syntax error, unterminated comment at line 1, column 14"},
       // At the bracket one level too deep ("Notebook[{" is two levels).
