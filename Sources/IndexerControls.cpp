@@ -12,13 +12,6 @@ using Zn::Kx::Expr;
 using Zn::Kx::Head;
 using Zn::Kx::HeadSymbol;
 
-namespace {
-/// Whether theText is an address: it holds "://" or is a mail address.
-bool isURL(const Zn::String* theText) {
-  return theText->indexOfCString("mailto:", true, 0) == 0 || theText->indexOfCString("://", true, 0) >= 0;
-}
-} // namespace
-
 void SearchIndexer::indexActionMenuBox(Expr* theBox, const IndexContext& theContext) {
   IndexContext context = theContext;
   context.showStringCharacters = false;
@@ -55,7 +48,7 @@ Zn::String* SearchIndexer::copyHyperlinkURL(Expr* theBox) {
   // A string names a place to go: a URL, or else a cell tag of a notebook,
   // which is no address a reader could follow.
   Zn::String* text = stringText(data);
-  if (text && isURL(text))
+  if (isWebAddress(text))
     return retained(text).leak();
   return nullptr;
 }

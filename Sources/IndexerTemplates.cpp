@@ -104,10 +104,6 @@ bool startsWith(const Zn::String* theText, const char* theASCII) {
   return theText && theText->indexOfCString(theASCII, true, 0) == 0;
 }
 
-bool isWebAddress(const Zn::String* theText) {
-  return theText && (startsWith(theText, "mailto:") || theText->indexOfCString("://", true, 0) >= 0);
-}
-
 /// A place in the documentation, which no reader outside can follow.
 bool isPacletAddress(const Expr* theExpr) {
   auto text = adopt(copyUnquotedText(theExpr));

@@ -84,6 +84,11 @@ bool hidesQuotes(BoxKind theKind) {
 
 } // namespace Vocabulary
 
+bool isWebAddress(const Zn::String* theText) {
+  return theText &&
+         (theText->indexOfCString("mailto:", true, 0) == 0 || theText->indexOfCString("://", true, 0) >= 0);
+}
+
 Zn::Kx::Expr* optionValue(const Zn::Kx::Expr* theBox, ZnIndex theFirst, Vocabulary::Constant& theName) {
   if (!theBox)
     return nullptr;

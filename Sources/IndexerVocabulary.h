@@ -91,6 +91,10 @@ inline Zn::String* stringText(const Zn::Kx::Expr* theExpr) {
   return string ? string->getValue() : nullptr;
 }
 
+/// Whether theText (which may be null) is an address a reader can follow:
+/// it holds "://" or is a mail address.
+bool isWebAddress(const Zn::String* theText);
+
 /// The value of the option theName among the arguments of theBox from
 /// theFirst on: the right side of the first Rule or RuleDelayed whose left
 /// side is that symbol. Borrowed; null when absent (or theBox is null).
