@@ -282,7 +282,7 @@ enum Fault {
 const char* const kFaultNames[kFaultCount] = {
     "words glued across a line break", "cells nested or badly named", "settings run into words",
     "code debris outside code",        "names left as escapes",       "cells starting indented",
-    "cell divs unclosed",              "form names after content",    "numbers reprinted",
+    "cell divs nested or unclosed",              "form names after content",    "numbers reprinted",
     "template tags, None, paclet:",    "runs of empty lines",         "lines ending in blanks",
     "invisible or private-use names"};
 
@@ -414,19 +414,19 @@ void MeasureLayout(const std::string& theFile, const std::string& theOut, bool t
   std::vector<std::string> samples;
   int count = 0;
   if (theIsHTML) {
+    // Every div that opens inside another (a cell left open swallows the
+    // ones after it), and every one never closed.
     int depth = 0;
-    for (size_t at = theOut.find("<div"); at != std::string::npos; at = theOut.find("<div", at + 1)) {
-      size_t close = theOut.find("</div>", at);
-      // Every div closed before the next one opens.
-      size_t next = theOut.find("<div", at + 1);
-      if (close == std::string::npos || (next != std::string::npos && next < close)) {
-        if (++count <= 3)
+    for (size_t at = theOut.find("<div"), end = theOut.find("</div>"); at != std::string::npos || end != std::string::npos;) {
+      if (at != std::string::npos && (end == std::string::npos || at < end)) {
+        if (depth++ > 0 && ++count <= 3)
           samples.push_back(theOut.substr(at, 50));
+        at = theOut.find("<div", at + 1);
+      } else {
+        --depth;
+        end = theOut.find("</div>", end + 1);
       }
-      ++depth;
     }
-    for (size_t at = theOut.find("</div>"); at != std::string::npos; at = theOut.find("</div>", at + 1))
-      --depth;
     count += depth > 0 ? depth : 0;
     theTally->add(kUnclosedCells, theFile, count, samples);
   }
