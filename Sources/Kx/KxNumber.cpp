@@ -118,10 +118,9 @@ const char* MachineReal::superclassName() const { return "Real"; }
 
 template <class Family>
 BigNumber<Family>::BigNumber(String* theDigits, double theApproximation)
-    : digits_(theDigits ? static_cast<String*>(theDigits->retain()) : new String()),
-      approximation_(theApproximation) {}
+    : digits_(theDigits ? retained(theDigits) : adopt(new String())), approximation_(theApproximation) {}
 
-template <class Family> BigNumber<Family>::~BigNumber() { digits_->release(); }
+template <class Family> BigNumber<Family>::~BigNumber() = default;
 
 template <class Family> int32_t BigNumber<Family>::integerValue() const {
   return TruncateToInt32(approximation_);
@@ -133,15 +132,12 @@ template <class Family> void BigNumber<Family>::writeFullForm(Writer* theWriter)
   theWriter->writeCharacters(digits_->getCharactersPtr(), digits_->length());
 }
 
-template <class Family> String* BigNumber<Family>::description() const {
-  digits_->retain();
-  return digits_;
-}
+template <class Family> String* BigNumber<Family>::description() const { return retained(digits_.get()).leak(); }
 
 template <class Family> String* BigNumber<Family>::negatedDigits() const {
   if (digits_->length() > 0 && digits_->characterAtIndex(0) == '-')
     return digits_->substringFromIndex(1);
-  return StringWithFormat("-%@", digits_);
+  return StringWithFormat("-%@", digits_.get());
 }
 
 template class BigNumber<Integer>;

@@ -97,7 +97,7 @@ private:
 template <class Family> class BigNumber : public Family {
 public:
   /// Borrowed.
-  String* getDigits() const { return digits_; }
+  String* getDigits() const { return digits_.get(); }
 
   /// The approximation truncated toward zero (saturating at the limits).
   int32_t integerValue() const override;
@@ -114,7 +114,7 @@ protected:
   /// +1. The digit text with its sign flipped.
   String* negatedDigits() const;
 
-  String* digits_;
+  Ref<String> digits_;
   double approximation_;
 };
 

@@ -18,17 +18,15 @@ const char* StringExpr::superclassName() const { return "Expr"; }
 
 CharacterString::CharacterString(String* theValue, bool theRetain) {
   ZnAssert(theValue != NULL, 0);
-  if (theRetain)
-    theValue->retain();
-  value_ = theValue;
+  value_ = theRetain ? retained(theValue) : adopt(theValue);
 }
 
 CharacterString::CharacterString(const char* theASCII) {
   ZnAssert(theASCII != NULL, 0);
-  value_ = new String(theASCII);
+  value_ = adopt(new String(theASCII));
 }
 
-CharacterString::~CharacterString() { value_->release(); }
+CharacterString::~CharacterString() = default;
 
 void CharacterString::writeInputForm(Writer* theWriter, const FormatContext* theContext) const {
   if (theContext->quoteStrings) {
@@ -44,16 +42,13 @@ void CharacterString::writeFullForm(Writer* theWriter) const {
   WriteASCII(theWriter, "\"");
 }
 
-String* CharacterString::stringValue() const {
-  value_->retain();
-  return value_;
-}
+String* CharacterString::stringValue() const { return retained(value_.get()).leak(); }
 
 bool CharacterString::isEqual(const Object* theOther) const {
   if (theOther == this)
     return true;
   const CharacterString* other = ObjectCast<CharacterString>(theOther);
-  return other && value_->isEqual(other->value_);
+  return other && value_->isEqual(other->value_.get());
 }
 
 uint32_t CharacterString::hash() const { return ~value_->hash(); }
@@ -63,15 +58,9 @@ const char* CharacterString::superclassName() const { return "StringExpr"; }
 
 //===--- ByteString ------------------------------------------------------------===//
 
-ByteString::ByteString(Object* theData) : data_(theData) {
-  if (data_)
-    data_->retain();
-}
+ByteString::ByteString(Object* theData) : data_(retained(theData)) {}
 
-ByteString::~ByteString() {
-  if (data_)
-    data_->release();
-}
+ByteString::~ByteString() = default;
 
 void ByteString::writeFullForm(Writer* theWriter) const {
   WriteASCII(theWriter, "\"");
@@ -86,7 +75,7 @@ bool ByteString::isEqual(const Object* theOther) const {
   if (theOther == this)
     return true;
   const ByteString* other = dynamic_cast<const ByteString*>(theOther);
-  return other && Equal(data_, other->data_);
+  return other && Equal(data_.get(), other->data_.get());
 }
 
 uint32_t ByteString::hash() const { return data_ ? ~data_->hash() : 0; }

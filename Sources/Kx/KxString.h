@@ -1,6 +1,7 @@
 //===- KxString.h - String atoms --------------------------------------------===//
 #pragma once
 #include "Kx/KxExpr.h"
+#include "Zn/Base/ZnRef.h"
 
 namespace Zn::Kx {
 
@@ -23,7 +24,7 @@ public:
   explicit CharacterString(const char* theASCII);
 
   /// Borrowed.
-  String* getValue() const { return value_; }
+  String* getValue() const { return value_.get(); }
 
   /// The text, quoted only when the context asks for quotes.
   void writeInputForm(Writer* theWriter, const FormatContext* theContext) const override;
@@ -42,7 +43,7 @@ protected:
   ~CharacterString() override;
 
 private:
-  String* value_;
+  Ref<String> value_;
 };
 
 /// Raw bytes. Holds a data object (or nothing) and prints its description
@@ -53,7 +54,7 @@ public:
   explicit ByteString(Object* theData);
 
   /// Borrowed; may be null.
-  Object* getData() const { return data_; }
+  Object* getData() const { return data_.get(); }
 
   void writeFullForm(Writer* theWriter) const override;
   bool isEqual(const Object* theOther) const override;
@@ -65,6 +66,6 @@ protected:
   ~ByteString() override;
 
 private:
-  Object* data_;
+  Ref<Object> data_;
 };
 } // namespace Zn::Kx

@@ -11,17 +11,15 @@ namespace Zn::Kx {
 
 Symbol::Symbol(String* theName, bool theRetain) {
   ZnAssert(theName != NULL, 0);
-  if (theRetain)
-    theName->retain();
-  name_ = theName;
+  name_ = theRetain ? retained(theName) : adopt(theName);
 }
 
 Symbol::Symbol(const char* theASCIIName) {
   ZnAssert(theASCIIName != NULL, 0);
-  name_ = new String(theASCIIName);
+  name_ = adopt(new String(theASCIIName));
 }
 
-Symbol::~Symbol() { name_->release(); }
+Symbol::~Symbol() = default;
 
 ZnIndex Symbol::strippedStart() const {
   const ZnUnichar* units = name_->getCharactersPtr();
@@ -42,10 +40,7 @@ void Symbol::writeFullForm(Writer* theWriter) const {
 
 Expr* Symbol::head() const { return HeadSymbol(Head::Symbol); }
 
-String* Symbol::fullFormString() const {
-  name_->retain();
-  return name_;
-}
+String* Symbol::fullFormString() const { return retained(name_.get()).leak(); }
 
 String* Symbol::inputFormString(const FormatContext* theContext) const {
   ZnIndex start = theContext->stripContexts ? strippedStart() : 0;
@@ -58,7 +53,7 @@ bool Symbol::isEqual(const Object* theOther) const {
   if (theOther == this)
     return true;
   const Symbol* other = ObjectCast<Symbol>(theOther);
-  return other && name_->isEqual(other->name_);
+  return other && name_->isEqual(other->name_.get());
 }
 
 uint32_t Symbol::hash() const { return ~name_->hash(); }
@@ -90,19 +85,20 @@ static_assert(sizeof(kHeadNames) / sizeof(kHeadNames[0]) == size_t(Head::Count))
 struct SharedAtoms {
   SharedAtoms() {
     for (ZnIndex i = 0; i < ZnIndex(Head::Count); ++i)
-      symbols[i] = new Symbol(kHeadNames[i]);
-    one = new MachineInteger(1);
-    ten = new MachineInteger(10);
+      symbols[i] = adopt(new Symbol(kHeadNames[i]));
+    one = adopt(new MachineInteger(1));
+    ten = adopt(new MachineInteger(10));
   }
+  // Released in the reverse order of their making.
   ~SharedAtoms() {
-    ten->release();
-    one->release();
-    for (Symbol* symbol : symbols)
-      symbol->release();
+    ten = nullptr;
+    one = nullptr;
+    for (auto& symbol : symbols)
+      symbol = nullptr;
   }
-  Symbol* symbols[size_t(Head::Count)];
-  MachineInteger* one;
-  MachineInteger* ten;
+  Ref<Symbol> symbols[size_t(Head::Count)];
+  Ref<MachineInteger> one;
+  Ref<MachineInteger> ten;
 };
 
 // Built on first use, so that another file's static initialiser may already
@@ -117,9 +113,9 @@ SharedAtoms& Shared() {
 } // namespace
 
 Symbol* HeadSymbol(Head theHead) {
-  return Shared().symbols[size_t(theHead)];
+  return Shared().symbols[size_t(theHead)].get();
 }
 
-MachineInteger* SharedOne() { return Shared().one; }
-MachineInteger* SharedTen() { return Shared().ten; }
+MachineInteger* SharedOne() { return Shared().one.get(); }
+MachineInteger* SharedTen() { return Shared().ten.get(); }
 } // namespace Zn::Kx

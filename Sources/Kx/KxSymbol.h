@@ -1,6 +1,7 @@
 //===- KxSymbol.h - Named atoms and the shared head symbols ----------------===//
 #pragma once
 #include "Kx/KxExpr.h"
+#include "Zn/Base/ZnRef.h"
 
 namespace Zn::Kx {
 class MachineInteger;
@@ -14,7 +15,7 @@ public:
   explicit Symbol(const char* theASCIIName);
 
   /// Borrowed.
-  String* getName() const { return name_; }
+  String* getName() const { return name_.get(); }
 
   void writeInputForm(Writer* theWriter, const FormatContext* theContext) const override;
   void writeFullForm(Writer* theWriter) const override;
@@ -38,7 +39,7 @@ private:
   /// no context or ends with a backquote (then the whole name is kept).
   ZnIndex strippedStart() const;
 
-  String* name_;
+  Ref<String> name_;
 };
 
 /// The symbols that the language layer uses as heads, in creation order.
