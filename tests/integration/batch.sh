@@ -114,11 +114,17 @@ chmod +x "$WORK/slow-nbtext"
 "$BATCH" "$WORK/in" "$WORK/killed" --workers 2 --nbtext "$WORK/slow-nbtext" --batch-files 4 --quiet &
 job=$!
 victim=
+# Only a conversion (the wrapper with a file argument, not the probe that
+# runs it bare) in a worker (a python process that is not the client) will
+# do; the wrapper may end between the look and the kill.
 for _ in $(seq 400); do
-  wrapper=$(pgrep -f -n "^/bin/sh $WORK/slow-nbtext" || true)
+  wrapper=$(pgrep -f -n "^/bin/sh $WORK/slow-nbtext ." || true)
   if [ -n "$wrapper" ]; then
-    victim=$(ps -o ppid= -p "$wrapper" | tr -d ' ')
-    [ -n "$victim" ] && grep -q python "/proc/$victim/cmdline" 2>/dev/null && kill -9 "$victim" && break
+    victim=$(ps -o ppid= -p "$wrapper" 2>/dev/null | tr -d ' ' || true)
+    if [ -n "$victim" ] && grep -q python "/proc/$victim/cmdline" 2>/dev/null &&
+      ! grep -q nbtext-batch "/proc/$victim/cmdline" 2>/dev/null && kill -9 "$victim" 2>/dev/null; then
+      break
+    fi
     victim=
   fi
   sleep 0.02
