@@ -283,4 +283,19 @@ Expr* parseEmbeddedBox(Expr* theText) {
   return nullptr;
 }
 
+bool isPacletAddress(const ZnUnichar* theText, ZnIndex theLength) {
+  static const char kPrefix[] = "paclet:";
+  ZnIndex start = 0;
+  if (theLength > 0 && theText[0] == '"')
+    start = 1;
+  else if (theLength > 1 && theText[0] == '\\' && theText[1] == '"')
+    start = 2;
+  if (theLength < start + 7)
+    return false;
+  for (ZnIndex i = 0; i < 7; ++i)
+    if (theText[start + i] != ZnUnichar(kPrefix[i]))
+      return false;
+  return true;
+}
+
 } // namespace AtomText

@@ -21,6 +21,10 @@ namespace AtomText {
 /// as written.
 void resolveEscapes(const ZnUnichar* theText, ZnIndex theLength, Zn::MutableString* theResult);
 
+/// Whether theText is a place in the documentation, "paclet:...", bare or as
+/// a literal (the text keeps its escapes: \"paclet:...\").
+bool isPacletAddress(const ZnUnichar* theText, ZnIndex theLength);
+
 /// Whether theText is one quoted string literal: quotes first and last, and
 /// none between them that a backslash does not escape ("a" is one, "a" <> "b"
 /// is not).

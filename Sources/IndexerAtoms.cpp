@@ -43,23 +43,6 @@ private:
 
 //===--- Atoms ------------------------------------------------------------===//
 
-namespace {
-/// "paclet:...", quoted or not (the text keeps its escapes: \"paclet:...\").
-bool isPacletAddress(const ZnUnichar* theText, ZnIndex theLength) {
-  static const char kPrefix[] = "paclet:";
-  ZnIndex start = 0;
-  if (theLength > 0 && theText[0] == '"')
-    start = 1;
-  else if (theLength > 1 && theText[0] == '\\' && theText[1] == '"')
-    start = 2;
-  if (theLength < start + 7)
-    return false;
-  for (ZnIndex i = 0; i < 7; ++i)
-    if (theText[start + i] != ZnUnichar(kPrefix[i]))
-      return false;
-  return true;
-}
-} // namespace
 
 void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
   auto symbol = theLeaf->asSymbol();
@@ -87,7 +70,7 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
   ZnIndex length = text->length();
   // A place in the documentation (a tooltip's "paclet:ref/Name") is no
   // text of the page and no address a reader could follow.
-  if (theContext.insideBoxData && !theContext.codeStyle && isPacletAddress(units, length))
+  if (theContext.insideBoxData && !theContext.codeStyle && AtomText::isPacletAddress(units, length))
     return;
   // Outside code the page shows numbers without their precision marks, be
   // the string one number or a run of linear syntax that holds some.

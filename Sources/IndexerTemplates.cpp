@@ -9,6 +9,7 @@
 //
 //===----------------------------------------------------------------------===//
 #include "SearchIndexer.h"
+#include "AtomText.h"
 #include "IndexerVocabulary.h"
 #include "Kx/KxExpr.h"
 #include "Kx/KxFunction.h"
@@ -100,14 +101,10 @@ Zn::String* copyUnquotedText(const Expr* theExpr) {
   return retained(text).leak();
 }
 
-bool startsWith(const Zn::String* theText, const char* theASCII) {
-  return theText && theText->indexOfCString(theASCII, true, 0) == 0;
-}
-
 /// A place in the documentation, which no reader outside can follow.
 bool isPacletAddress(const Expr* theExpr) {
-  auto text = adopt(copyUnquotedText(theExpr));
-  return startsWith(text.get(), "paclet:");
+  Zn::String* text = stringText(theExpr);
+  return text && AtomText::isPacletAddress(text->getCharactersPtr(), text->length());
 }
 
 /// +1. The web address among the arguments after the label: URL[...], a
