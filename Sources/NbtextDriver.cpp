@@ -1,6 +1,6 @@
 //===- NbtextDriver.cpp - The nbtext command: arguments, files, status ----===//
 //
-// nbtext [-html] [-noindent] [file ...]
+// nbtext [-html | -markdown] [-noindent] [file ...]
 //
 // Converts each named notebook, or standard input when none is named ("-"
 // names it among files), to what a reader sees on the page, on standard
@@ -13,6 +13,7 @@
 //===----------------------------------------------------------------------===//
 #include "NbtextDriver.h"
 #include "NotebookHTMLIndexer.h"
+#include "NotebookMarkdownIndexer.h"
 #include "NotebookTextIndexer.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/Base/ZnStringEncoding.h"
@@ -34,15 +35,16 @@ using Zn::adopt;
 namespace {
 
 const char kUsage[] =
-    "usage: nbtext [-html] [-noindent] [file ...]\n"
+    "usage: nbtext [-html | -markdown] [-noindent] [file ...]\n"
     "       nbtext -h | --help | --version\n"
     "\n"
     "Writes what a reader sees on the pages of each notebook file to standard\n"
-    "output, as plain text or as HTML. Without a file, or for \"-\", reads\n"
+    "output, as plain text, HTML or Markdown. Without a file, or for \"-\", reads\n"
     "standard input.\n"
     "\n"
     "options:\n"
     "  -html        write an HTML page per notebook instead of plain text\n"
+    "  -markdown    write Markdown (GitHub-flavoured) instead of plain text\n"
     "  -noindent    do not indent the lines inside brackets of a formula\n"
     "  -h, --help   print this summary and exit\n"
     "  --version    print the version and exit\n"
@@ -58,7 +60,8 @@ const char kUsage[] =
 /// What the command line asks for.
 struct Arguments {
   enum Action { kConvert, kHelp, kVersion } action = kConvert;
-  bool html = false;
+  /// What the text is written as; the last of -html and -markdown wins.
+  enum Format { kText, kHTML, kMarkdown } format = kText;
   bool indent = true;
   /// The file names, in order; none means standard input, unannounced.
   std::vector<const char*> files;
@@ -77,7 +80,9 @@ Arguments ScanArguments(int argc, char** argv) {
         arguments.action = Arguments::kVersion;
     } else if (std::strncmp(argument, "-html", 5) == 0) {
       // The options match as prefixes, as they always have.
-      arguments.html = true;
+      arguments.format = Arguments::kHTML;
+    } else if (std::strncmp(argument, "-markdown", 9) == 0) {
+      arguments.format = Arguments::kMarkdown;
     } else if (std::strncmp(argument, "-noindent", 9) == 0) {
       arguments.indent = false;
     } else {
@@ -142,10 +147,11 @@ int RunNbtext(int argc, char** argv) {
 
   auto output = adopt(Zn::FilePointerStream::createStandardOutput());
   Zn::Ref<SearchIndexer> indexer;
-  if (arguments.html)
-    indexer = adopt<SearchIndexer>(new NotebookHTMLIndexer(output.get()));
-  else
-    indexer = adopt<SearchIndexer>(new NotebookTextIndexer(output.get()));
+  switch (arguments.format) {
+  case Arguments::kHTML: indexer = adopt<SearchIndexer>(new NotebookHTMLIndexer(output.get())); break;
+  case Arguments::kMarkdown: indexer = adopt<SearchIndexer>(new NotebookMarkdownIndexer(output.get())); break;
+  case Arguments::kText: indexer = adopt<SearchIndexer>(new NotebookTextIndexer(output.get())); break;
+  }
   indexer->setIndent(arguments.indent);
 
   if (arguments.files.empty()) {

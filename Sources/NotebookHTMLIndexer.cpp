@@ -109,18 +109,6 @@ ZnUnichar spanCharacterAt(const Expr* theRow, ZnIndex theColumn) {
   return spanCharacter(theRow->part(theColumn));
 }
 
-//===--- The text renderer behind stringForBox ---------------------------===//
-
-/// Renders labels and option values as plain text. It names characters as
-/// the page does, so that a label reads the same as the text around it, and
-/// its own writer is a string: nothing it does can reach the page.
-class LabelRenderer final : public NotebookTextIndexer {
-public:
-  explicit LabelRenderer(Zn::Kx::Encoding* theEncoding)
-      : NotebookTextIndexer(adopt<Zn::Writer>(new Zn::StringWriter()).get()) {
-    characterEncoding_ = retained(theEncoding);
-  }
-};
 } // namespace
 
 //===--- Life cycle ---------------------------------------------------------===//
@@ -129,7 +117,7 @@ NotebookHTMLIndexer::NotebookHTMLIndexer(Zn::Stream* theStream, Zn::StringEncodi
     : NotebookTextIndexer(theStream), htmlEncoding_(adopt(new Zn::HTMLEncoding(theEncoding))) {
   writer_ = adopt<Zn::Writer>(new Zn::StreamWriter(theStream, htmlEncoding_.get()));
   characterEncoding_ = adopt(new Zn::Kx::Encoding(Zn::Kx::Encoding::kHTMLFlags));
-  textRenderer_ = adopt<NotebookTextIndexer>(new LabelRenderer(characterEncoding_.get()));
+  textRenderer_ = adopt(NotebookTextIndexer::createLabelRenderer(characterEncoding_.get()));
 }
 
 NotebookHTMLIndexer::~NotebookHTMLIndexer() = default;

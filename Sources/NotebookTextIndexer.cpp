@@ -1,5 +1,6 @@
 //===- NotebookTextIndexer.cpp - Renders a notebook as plain text ---------===//
 #include "NotebookTextIndexer.h"
+#include "Kx/KxEncoding.h"
 #include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/Base/ZnStringEncoding.h"
@@ -21,6 +22,12 @@ NotebookTextIndexer::NotebookTextIndexer(Zn::Stream* theStream) {
 NotebookTextIndexer::NotebookTextIndexer(Zn::Writer* theWriter) {
   ZnAssert(theWriter, 0);
   writer_ = Zn::retained(theWriter);
+}
+
+NotebookTextIndexer* NotebookTextIndexer::createLabelRenderer(Zn::Kx::Encoding* theEncoding) {
+  auto renderer = Zn::adopt(new NotebookTextIndexer(Zn::adopt<Zn::Writer>(new Zn::StringWriter()).get()));
+  renderer->characterEncoding_ = Zn::retained(theEncoding);
+  return renderer.leak();
 }
 
 const char* NotebookTextIndexer::className() const { return "NotebookTextIndexer"; }

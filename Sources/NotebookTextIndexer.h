@@ -12,6 +12,12 @@ public:
   explicit NotebookTextIndexer(Zn::Stream* theStream);
   /// Writes to theWriter, such as a string writer for the text of a box.
   explicit NotebookTextIndexer(Zn::Writer* theWriter);
+  /// +1. A renderer of labels and option values as plain text, for the
+  /// stringForBox of a renderer that writes markup. It names characters
+  /// through theEncoding (retained), as that renderer's page does, so that
+  /// a label reads like the text around it; its own writer is a string, so
+  /// nothing it does can reach the page.
+  static NotebookTextIndexer* createLabelRenderer(Zn::Kx::Encoding* theEncoding);
 
   void writeText(Zn::String* theText) override;
   /// Pushes the document's tidied text out to the stream.

@@ -40,7 +40,7 @@ TEST(NbtextCommandLineTest, HelpAndVersionConvertNothing) {
       EXPECT_EQ(run.out, version) << what;
       continue;
     }
-    EXPECT_TRUE(run.out.starts_with("usage: nbtext [-html] [-noindent] [file ...]\n")) << run.out;
+    EXPECT_TRUE(run.out.starts_with("usage: nbtext [-html | -markdown] [-noindent] [file ...]\n")) << run.out;
     for (const char* part : {"-noindent", "--version", "255", "man nbtext"})
       EXPECT_NE(run.out.find(part), std::string::npos) << part;
   }
