@@ -3,7 +3,8 @@
 # sudo) the Debian packages of each named set whose commands are missing,
 # and says what it installs before it starts. Every other script calls it.
 # Usage: scripts/ensure-tools.sh [SET...]   (default: native)
-#   native   the build and the test suite: cmake, g++, make, bison, GoogleTest, python3
+#   native   the build and the test suite: cmake, g++, make, bison, GoogleTest, python3,
+#            cmark-gfm and html5lib (the Markdown and HTML checks over the corpus)
 #   cross    the armhf cross build and qemu-arm for its tests
 #   package  make deb and its checks: dpkg-dev, file, man-db, lintian
 #   batch    scripts/nbtext-batch.py (Dask, tqdm) and scripts/nbtext-parallel.sh
@@ -29,6 +30,10 @@ for what in "${@:-native}"; do
       want bison bison
       [ -f /usr/src/googletest/CMakeLists.txt ] || need+=(googletest)
       want python3 python3    # checks the committed name tables against the generator
+      want cmark-gfm cmark-gfm  # renders the Markdown of the corpus for its checks
+      # The strict HTML5 parser of the page checks, for Debian's own Python.
+      want /usr/bin/python3 python3
+      /usr/bin/python3 -c 'import html5lib' >/dev/null 2>&1 || need+=(python3-html5lib)
       ;;
     cross)
       want arm-linux-gnueabihf-g++ g++-arm-linux-gnueabihf libc6-dev-armhf-cross
