@@ -131,6 +131,12 @@ void SearchIndexer::walkTextContainer(Expr* theBox, const IndexContext& theConte
 constexpr ZnIndex kMaxNestedLabels = 32;
 
 Zn::String* SearchIndexer::stringForBox(Expr* theBox, const IndexContext& theContext) {
+  Zn::Writer::Separator trailing;
+  return renderBox(theBox, theContext, trailing);
+}
+
+Zn::String* SearchIndexer::renderBox(Expr* theBox, const IndexContext& theContext, Zn::Writer::Separator& theTrailing) {
+  theTrailing = Zn::Writer::kNoSeparator;
   auto text = adopt(new Zn::MutableString(32));
   if (labelDepth_ >= kMaxNestedLabels)
     return text.leak();
@@ -141,5 +147,6 @@ Zn::String* SearchIndexer::stringForBox(Expr* theBox, const IndexContext& theCon
   IndexContext context = theContext;
   context.writer = adopt(new Zn::StringWriter(text.get()));
   indexBox(theBox, context);
+  theTrailing = context.writer->getSeparator();
   return text.leak();
 }

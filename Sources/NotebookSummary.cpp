@@ -74,9 +74,8 @@ private:
     Zn::String* style = stringText(theCell->part(2));
     if (!style)
       return;
-    const int32_t rank = OutlineRank(style);
-    if (rank >= 0 && (summary_.topOutlineRank < 0 || rank < summary_.topOutlineRank))
-      summary_.topOutlineRank = rank;
+    if (const int32_t rank = OutlineRank(style); rank >= 0)
+      summary_.outlineRanks |= 1u << rank;
     if (Title.isNameOf(style) && !summary_.title) {
       summary_.title = textOf(contents, style);
       if (summary_.title->length() == 0)

@@ -28,9 +28,8 @@ struct NotebookSummary {
   /// The Author and Keywords cells, in order, as strings; never null.
   Zn::Ref<Zn::MutableArray> authors;
   Zn::Ref<Zn::MutableArray> keywords;
-  /// The smallest OutlineRank among the cells, or -1 when none is an
-  /// outline level.
-  int32_t topOutlineRank = -1;
+  /// The OutlineRanks that the cells use, bit 0 for Title.
+  uint32_t outlineRanks = 0;
 };
 
 /// Reads the summary of theNotebook, rendering cell texts with theRenderer's

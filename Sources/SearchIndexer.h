@@ -187,6 +187,10 @@ protected:
   /// one runs into the next.
   void walkPieces(Zn::Kx::Expr* theBox, ZnIndex theFirst, Zn::Writer::Separator theSeparator,
                   const IndexContext& theContext);
+  /// +1. What stringForBox renders, with the separator that the box asked
+  /// for after its text in theTrailing: a piece of text rendered apart
+  /// stays apart from the next as it would have on the page.
+  Zn::String* renderBox(Zn::Kx::Expr* theBox, const IndexContext& theContext, Zn::Writer::Separator& theTrailing);
   /// Walks theBox, in parentheses where needsGrouping says so.
   void walkGrouped(Zn::Kx::Expr* theBox, const IndexContext& theContext);
   /// Writes text that is already resolved, through the character encoding.

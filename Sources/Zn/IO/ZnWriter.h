@@ -52,6 +52,8 @@ public:
     if (theSeparator > separator_)
       separator_ = theSeparator;
   }
+  /// The separator asked for and not written yet.
+  Separator getSeparator() const { return separator_; }
   /// Drops the separator asked for, if it was not written yet.
   void cancelSeparator() { separator_ = kNoSeparator; }
   /// Writes the separator asked for now, or drops it as the next character
