@@ -8,6 +8,7 @@
 #include "FuzzEntryPoints.h"
 #include "FuzzSupport.h"
 #include "NotebookHTMLIndexer.h"
+#include "NotebookMarkdownIndexer.h"
 #include "NotebookTextIndexer.h"
 #include "Zn/Base/ZnData.h"
 #include "Zn/IO/ZnStream.h"
@@ -45,6 +46,12 @@ int FuzzConvertText(const uint8_t* theData, size_t theSize) {
 int FuzzConvertHTML(const uint8_t* theData, size_t theSize) {
   return Convert(theData, theSize, [](Stream* theOutput) -> SearchIndexer* {
     return new NotebookHTMLIndexer(theOutput);
+  });
+}
+
+int FuzzConvertMarkdown(const uint8_t* theData, size_t theSize) {
+  return Convert(theData, theSize, [](Stream* theOutput) -> SearchIndexer* {
+    return new NotebookMarkdownIndexer(theOutput);
   });
 }
 } // namespace NbtextFuzz

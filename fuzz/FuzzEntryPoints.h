@@ -25,4 +25,6 @@ int FuzzParse(const uint8_t* theData, size_t theSize);
 int FuzzConvertText(const uint8_t* theData, size_t theSize);
 /// The same by the HTML renderer.
 int FuzzConvertHTML(const uint8_t* theData, size_t theSize);
+/// The same by the Markdown renderer.
+int FuzzConvertMarkdown(const uint8_t* theData, size_t theSize);
 } // namespace NbtextFuzz

@@ -2,7 +2,7 @@
 # Runs the libFuzzer targets built by `make fuzz`, one after the other, each
 # for SECONDS (default 600) at the lowest priority, so that builds on the
 # same machine keep theirs. Usage: scripts/run-fuzzers.sh [SECONDS] [TARGET...]
-# with TARGET among escapes, reader, parse, convert_text, convert_html
+# with TARGET among escapes, reader, parse, convert_text, convert_html, convert_markdown
 # (default: all).
 #
 # The inputs that each target finds interesting accumulate in
@@ -17,7 +17,7 @@ cd "$(dirname "$0")/.."
 SECONDS_EACH=${1:-600}
 shift || true
 TARGETS=("$@")
-[ ${#TARGETS[@]} -gt 0 ] || TARGETS=(escapes reader parse convert_text convert_html)
+[ ${#TARGETS[@]} -gt 0 ] || TARGETS=(escapes reader parse convert_text convert_html convert_markdown)
 
 # Limits: an input of at most 64 KB must finish within a second and 256 MB.
 # AddressSanitizer's quarantine would fill that alone, so it is kept small.

@@ -62,6 +62,7 @@ INSTANTIATE_TEST_SUITE_P(Targets, FuzzRegressionTest,
                                          Target{"reader", NbtextFuzz::FuzzReader},
                                          Target{"parse", NbtextFuzz::FuzzParse},
                                          Target{"convert_text", NbtextFuzz::FuzzConvertText},
-                                         Target{"convert_html", NbtextFuzz::FuzzConvertHTML}),
+                                         Target{"convert_html", NbtextFuzz::FuzzConvertHTML},
+                                         Target{"convert_markdown", NbtextFuzz::FuzzConvertMarkdown}),
                          [](const testing::TestParamInfo<Target>& theInfo) { return theInfo.param.name; });
 } // namespace
