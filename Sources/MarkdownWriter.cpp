@@ -85,8 +85,10 @@ const char* MarkdownWriter::superclassName() const { return "Writer"; }
 //===--- Blocks --------------------------------------------------------------===//
 
 void MarkdownWriter::beginBlock(const Block& theBlock) {
+  // theBlock may be resume_, which endBlock changes.
+  const Block block = theBlock;
   endBlock();
-  block_ = theBlock;
+  block_ = block;
   open_ = true;
   ++blockCount_;
   line_ = LineState();

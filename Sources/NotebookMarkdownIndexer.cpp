@@ -258,6 +258,10 @@ void NotebookMarkdownIndexer::indexGridBox(Expr* theBox, const IndexContext& the
   // a list item or code keeps the grid's plain layout.
   if (!isPage(theContext) || (cellKind_ != CellKind::kText && cellKind_ != CellKind::kOutput))
     return NotebookTextIndexer::indexGridBox(theBox, theContext);
+  // In output, a grid after other text (a matrix between its brackets)
+  // keeps its layout inside the fence.
+  if (cellKind_ == CellKind::kOutput && markdown_->holdsText())
+    return NotebookTextIndexer::indexGridBox(theBox, theContext);
   if (writeTable(theBox, theContext))
     return;
   if (cellKind_ == CellKind::kOutput)

@@ -217,6 +217,20 @@ const Golden kGoldens[] = {
      "| --- | --- |\n"
      "\n"
      "after\n"},
+    {"MatrixInOutputKeepsItsLayout",
+     R"nb(Cell[BoxData[RowBox[{"(", GridBox[{{"a", "b"}, {"c", "d"}}], ")"}]], "Output"])nb",
+     "```output\n"
+     "(a\tb\n"
+     "c\td\t)\n"
+     "```\n"},
+    {"OutputAfterATableIsFencedAgain",
+     R"nb(Cell[BoxData[RowBox[{GridBox[{{"a", "b"}}], "rest"}]], "Output"])nb",
+     "| a | b |\n"
+     "| --- | --- |\n"
+     "\n"
+     "```output\n"
+     "rest\n"
+     "```\n"},
     {"RaggedGridIsFenced",
      R"nb(Cell[TextData[{GridBox[{{"a", "b"}, {"c"}}]}], "Text"])nb",
      "```\n"
