@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Converts every notebook under a folder with nbtext, spread over a Dask cluster.
 
-    scripts/nbtext-batch.py INPUT_DIR OUTPUT_DIR [--html] [--retry-refused]
+    scripts/nbtext-batch.py INPUT_DIR OUTPUT_DIR [--html | --markdown] [--retry-refused]
                             [--workers N | --scheduler tcp://HOST:8786]
 
 Every *.nb under INPUT_DIR is sent to the workers in batches (one task per
@@ -47,6 +47,8 @@ LEDGER = "records.sqlite"
 SUMMARY = "summary.json"
 # A notebook that every working nbtext converts: run before any work.
 PROBE = b'Notebook[{Cell["nbtext-batch", "Text"]}]\n'
+# The nbtext options of each output format that --html and --markdown choose.
+FORMAT_OPTIONS = {"text": [], "html": ["-html"], "markdown": ["-markdown"]}
 
 
 class SetupError(Exception):
@@ -493,8 +495,7 @@ def convert(args, nbtext, todo, writer, progress):
     # With --send-files a task carries its notebooks' bytes on purpose: it can
     # then run again on any worker when the one that held it is lost.
     warnings.filterwarnings("ignore", message="Large object")
-    options = ["-html"] if args.html else []
-    fmt = "html" if args.html else "text"
+    options = FORMAT_OPTIONS[args.format]
     joining = time.perf_counter()
     client, cluster = start_client(args)
     start_seconds = time.perf_counter() - joining
@@ -522,7 +523,7 @@ def convert(args, nbtext, todo, writer, progress):
             except Exception as error:  # noqa: BLE001 - any failure of the task
                 records = failed_task(batch, error)
             future.release()
-            records = [dict(r, format=fmt) for r in records if r["path"] not in seen]
+            records = [dict(r, format=args.format) for r in records if r["path"] not in seen]
             seen.update(r["path"] for r in records)
             writer.write_batch(records)
             progress.add(records)
@@ -543,7 +544,11 @@ def parse_arguments():
                     "and writes JSON Lines shards and a summary to OUTPUT_DIR.")
     p.add_argument("input", metavar="INPUT_DIR")
     p.add_argument("output", metavar="OUTPUT_DIR")
-    p.add_argument("--html", action="store_true", help="record the HTML page instead of the text")
+    output = p.add_mutually_exclusive_group()
+    output.add_argument("--html", dest="format", action="store_const", const="html", default="text",
+                        help="record the HTML page instead of the text")
+    output.add_argument("--markdown", dest="format", action="store_const", const="markdown",
+                        help="record the Markdown instead of the text")
     where = p.add_mutually_exclusive_group()
     where.add_argument("--workers", type=int, default=os.cpu_count() or 1,
                        help="start a local cluster of N worker processes (default: one per core)")
@@ -579,11 +584,11 @@ def prepare(args):
             raise SetupError(f"nbtext does not run: {reason}")
     os.makedirs(args.output, exist_ok=True)
     ledger = Ledger(args.output)
-    fmt = "html" if args.html else "text"
-    if ledger.formats() - {fmt}:
+    others = ledger.formats() - {args.format}
+    if others:
         ledger.close()
-        raise SetupError(f"{args.output} holds {', '.join(sorted(ledger.formats() - {fmt}))} "
-                         f"records; write {fmt} to another folder")
+        raise SetupError(f"{args.output} holds {', '.join(sorted(others))} records; "
+                         f"write {args.format} to another folder")
     return nbtext, ledger
 
 
@@ -592,7 +597,7 @@ def write_summary(args, notebooks, todo, progress, totals, start_seconds, wall, 
     bytes_in = sum(n["size"] for n in todo)
     summary = {
         "input": os.path.abspath(args.input),
-        "format": "html" if args.html else "text",
+        "format": args.format,
         "files": len(notebooks),
         "up_to_date": len(notebooks) - len(todo),
         **progress.counts,

@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
 # Converts every *.nb under INPUT_DIR with GNU parallel on this machine, one
-# nbtext process per notebook: OUTPUT_DIR/<path>.txt (or .html with -html)
-# holds what nbtext wrote, OUTPUT_DIR/<path>.log its log lines, and
-# OUTPUT_DIR/joblog one line per job with its exit value (255: refused).
+# nbtext process per notebook: OUTPUT_DIR/<path>.txt (.html with -html, .md
+# with -markdown) holds what nbtext wrote, OUTPUT_DIR/<path>.log its log
+# lines, and OUTPUT_DIR/joblog one line per job with its exit value (255:
+# refused).
 # Run again, it converts only the notebooks whose job failed or never ran.
 # Extra arguments go to parallel (-j N, --sshloginfile FILE, ...).
-#   [NBTEXT=PATH] scripts/nbtext-parallel.sh INPUT_DIR OUTPUT_DIR [-html] [parallel options]
+#   [NBTEXT=PATH] scripts/nbtext-parallel.sh INPUT_DIR OUTPUT_DIR [-html | -markdown] [parallel options]
 # NBTEXT: the converter (default: nbtext on the PATH, else this checkout's build/nbtext).
 # Exit status: parallel's, the number of failed jobs (refused notebooks
 # count); 255 when it cannot start (no nbtext or parallel, bad arguments).
 set -euo pipefail
-usage() { sed -n '2,11s/^# \{0,1\}//p' "$0" >&2; exit 255; }
+usage() { sed -n '2,12s/^# \{0,1\}//p' "$0" >&2; exit 255; }
 die() { echo "nbtext-parallel: $*" >&2; exit 255; }
 [ $# -ge 2 ] || usage
 [ -d "$1" ] || die "$1 is not a folder"
@@ -18,7 +19,10 @@ input=$1
 OUT=$(realpath -m "$2")
 shift 2
 EXT=txt OPT=
-if [ "${1:-}" = -html ]; then EXT=html OPT=-html; shift; fi
+case ${1:-} in
+  -html) EXT=html OPT=-html; shift ;;
+  -markdown) EXT=md OPT=-markdown; shift ;;
+esac
 
 # Everything is checked before the first job: a converter that cannot run
 # would otherwise fail every job, with the reasons only in the per-file logs.

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # The batch jobs over the corpus: scripts/nbtext-batch.py on a local Dask
 # cluster of two worker processes (whole, with a worker killed while it works,
-# resumed after failures, refused notebooks retried, and with the notebooks
-# sent to the workers), on a running cluster started with dask scheduler and
-# dask worker, and the GNU parallel recipe; every text must be what nbtext
-# writes on its own. Both stop before any work when nbtext or a module is
-# missing.
+# resumed after failures, refused notebooks retried, with the notebooks sent
+# to the workers, in HTML and in Markdown), on a running cluster started with
+# dask scheduler and dask worker, and the GNU parallel recipe (text and
+# Markdown); every output must be what nbtext writes on its own. Both stop
+# before any work when nbtext or a module is missing.
 . "$(dirname "$0")/common.sh"
 [ -x "$NBTEXT" ] || fail "$NBTEXT is not built (run make test first)"
 [ -f "$CORPUS/MANIFEST.tsv" ] || skip "no corpus at $CORPUS"
@@ -158,6 +158,16 @@ echo "--- Dask, HTML, notebooks sent to the workers"
   fail "the HTML batch job failed"
 $CHECK records "$NBTEXT" "$WORK/in" "$WORK/html" -html || fail "the HTML records are wrong"
 
+echo "--- Dask, Markdown; not into a folder of text records"
+"$BATCH" "$WORK/in" "$WORK/markdown" --markdown --workers 2 --nbtext "$NBTEXT" --quiet ||
+  fail "the Markdown batch job failed"
+$CHECK records "$NBTEXT" "$WORK/in" "$WORK/markdown" -markdown || fail "the Markdown records are wrong"
+status=0
+"$BATCH" "$WORK/in" "$WORK/out" --markdown --workers 2 --nbtext "$NBTEXT" --quiet >"$WORK/mixed.log" 2>&1 ||
+  status=$?
+[ "$status" = 2 ] && grep -qF "holds text records; write markdown to another folder" "$WORK/mixed.log" ||
+  { cat "$WORK/mixed.log"; fail "Markdown into a folder of text records exited with $status"; }
+
 echo "--- Dask, a running cluster: dask scheduler and dask worker, as docs/scale-out.md starts them"
 port=$(/usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
 (cd "$WORK" && exec dask scheduler --host 127.0.0.1 --port "$port" --no-dashboard >"$WORK/scheduler.log" 2>&1) &
@@ -178,4 +188,10 @@ NBTEXT=$NBTEXT "$ROOT/scripts/nbtext-parallel.sh" "$WORK/in" "$WORK/parallel" -j
 $CHECK files "$NBTEXT" "$WORK/in" "$WORK/parallel" txt || fail "the parallel recipe's texts are wrong"
 [ "$(awk 'NR > 1 && $7 == 255' "$WORK/parallel/joblog" | wc -l)" = "$refused" ] ||
   fail "the job log does not record the refused notebooks"
+
+echo "--- GNU parallel, Markdown"
+status=0
+NBTEXT=$NBTEXT "$ROOT/scripts/nbtext-parallel.sh" "$WORK/in" "$WORK/parallel-md" -markdown -j 2 || status=$?
+[ "$status" = "$refused" ] || fail "parallel -markdown exited with $status, expected $refused"
+$CHECK files "$NBTEXT" "$WORK/in" "$WORK/parallel-md" md -markdown || fail "the parallel recipe's Markdown is wrong"
 echo "batch jobs ok"

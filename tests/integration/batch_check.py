@@ -1,13 +1,13 @@
 #!/usr/bin/python3
 """Checks the results of a batch conversion against nbtext run alone.
 
-    batch_check.py records NBTEXT INPUT_DIR OUTPUT_DIR [-html]
+    batch_check.py records NBTEXT INPUT_DIR OUTPUT_DIR [-html | -markdown]
         The JSON Lines shards of OUTPUT_DIR hold exactly one record per *.nb
-        under INPUT_DIR, and each record's output and status are what
-        `NBTEXT [-html] FILE` gives on its own; a refused notebook's record
+        under INPUT_DIR, and each record's output, status and format are what
+        `NBTEXT [-html | -markdown] FILE` gives on its own; a refused notebook's record
         carries its "could not index file" log line. records.sqlite points
         at each record's line, and the totals of summary.json count them.
-    batch_check.py files NBTEXT INPUT_DIR OUTPUT_DIR EXT [-html]
+    batch_check.py files NBTEXT INPUT_DIR OUTPUT_DIR EXT [-html | -markdown]
         The same for one output file per notebook (OUTPUT_DIR/<path>.EXT).
     batch_check.py summary OUTPUT_DIR KEY=VALUE...
         summary.json holds these values.
@@ -73,6 +73,7 @@ def check_account(out, records):
 
 
 def check_records(nbtext, root, out, options):
+    fmt = {"-html": "html", "-markdown": "markdown"}.get(options[0] if options else None, "text")
     records, problems = read_records(out)
     problems += check_account(out, records)
     expected = dict(notebooks(root))
@@ -86,6 +87,8 @@ def check_records(nbtext, root, out, options):
         status, output = alone(nbtext, options, full)
         if r["status"] != status:
             problems.append(f"{path}: status {r['status']}, alone {status}")
+        if r["format"] != fmt:
+            problems.append(f"{path}: format {r['format']}, expected {fmt}")
         if r["output"].encode("utf-8") != output:
             problems.append(f"{path}: output differs from nbtext alone")
         if status == 255 and "could not index file" not in r["log"]:
