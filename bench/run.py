@@ -2,8 +2,8 @@
 """Whole-process benchmarks of nbtext on notebooks built from the shared
 corpus, with the figures that docs/performance.md quotes:
 
-  1. a 100 MB notebook: nbtext (text and -html) against `wc -w`, the floor
-     of work done once per character;
+  1. a 100 MB notebook: nbtext (text, -html and -markdown) against `wc -w`,
+     the floor of work done once per character;
   2. a 10 KB notebook of the corpus: nbtext against `cat`, for the start-up
      cost;
   3. peak resident memory at 1, 10 and 100 MB;
@@ -139,11 +139,15 @@ def main(argv):
     print(f"== machine: {os.cpu_count()} cores, load {load}\n")
 
     print(f"== 1. Throughput on {os.path.basename(mb100)} ({os.path.getsize(mb100)} bytes)")
-    wc, text, html = interleaved(7, ["wc", "-w", mb100], [nbtext, mb100], [nbtext, "-html", mb100])
-    for name, seconds in (("wc -w", wc), ("nbtext", text), ("nbtext -html", html)):
-        print(f"{name:<12} {seconds:8.3f} s {megabytes(mb100) / seconds:6.0f} MB/s")
-    print(f"text / wc -w:  {text / wc:.2f}   (target <= 3)")
-    print(f"html / text:   {html / text:.2f}   (target <= 1.3)\n")
+    rows = [("wc -w", ["wc", "-w", mb100]), ("nbtext", [nbtext, mb100]),
+            ("nbtext -html", [nbtext, "-html", mb100]),
+            ("nbtext -markdown", [nbtext, "-markdown", mb100])]
+    wc, text, html, markdown = interleaved(7, *(command for _, command in rows))
+    for (name, _), seconds in zip(rows, (wc, text, html, markdown)):
+        print(f"{name:<16} {seconds:8.3f} s {megabytes(mb100) / seconds:6.0f} MB/s")
+    print(f"text / wc -w:     {text / wc:.2f}   (target <= 3)")
+    print(f"html / text:      {html / text:.2f}   (target <= 1.3)")
+    print(f"markdown / text:  {markdown / text:.2f}   (target <= 1.3)\n")
 
     print(f"== 2. Start-up on {SMALL_NAME} ({os.path.getsize(small)} bytes)")
     cat, alone = interleaved(300, ["cat", small], [nbtext, small])
