@@ -369,6 +369,7 @@ def check_corpus(nbtext, corpus, verbose):
           f"not converted: {counts['nbtext']})")
     if failed:
         print("FAILED: " + " ".join(failed))
+        print(f"(the differences of one: {sys.argv[0]} {nbtext} {corpus} --verbose NAME)")
         return 1
     return 0
 
