@@ -71,6 +71,22 @@ ZnIndex longestRun(const Zn::String* theText, ZnIndex theStart, ZnIndex theEnd, 
   return longest;
 }
 
+/// Whether the last word of theText is a web address.
+bool endsInAddress(const Zn::String* theText) {
+  ZnIndex start = theText->length();
+  while (start > 0 && kindOf(theText->characterAtIndex(start - 1)) != Kind::kSpace)
+    --start;
+  for (ZnIndex i = start; i + 2 < theText->length(); ++i) {
+    const ZnUnichar c = theText->characterAtIndex(i);
+    if (c == ':' && theText->characterAtIndex(i + 1) == '/' && theText->characterAtIndex(i + 2) == '/')
+      return true;
+    if (i == start && (c | 0x20) == 'w' && i + 3 < theText->length() &&
+        (theText->characterAtIndex(i + 1) | 0x20) == 'w' && (theText->characterAtIndex(i + 2) | 0x20) == 'w' &&
+        theText->characterAtIndex(i + 3) == '.')
+      return true;
+  }
+  return false;
+}
 } // namespace
 
 MarkdownWriter::MarkdownWriter(Zn::Writer* theOutput)
@@ -202,7 +218,10 @@ void MarkdownWriter::emit(const Block& theBlock, Zn::MutableString* theText) {
       out->appendCharacter(' ');
     } else {
       if (count > 0) {
-        // A line break inside a paragraph is a hard break.
+        // A line break inside a paragraph is a hard break. After a web
+        // address a blank keeps the backslash out of it.
+        if (!gap && endsInAddress(out))
+          out->appendCharacter(' ');
         if (!gap)
           out->appendCharacter('\\');
         out->appendCharacter(10);

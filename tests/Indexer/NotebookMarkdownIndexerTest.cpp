@@ -99,6 +99,11 @@ const Golden kGoldens[] = {
     {"WebAddressesAreWrittenAsTheyStand",
      R"nb(Cell["see http://x.org/a_b*c and www.y.org/p_q, not a_b", "Text"])nb",
      "see http://x.org/a_b*c and www.y.org/p_q, not a\\_b\n"},
+    {"AHardBreakStaysOutOfAWebAddress",
+     R"nb(Cell["see http://x.org/a\nnext www.y.org\nlast", "Text"])nb",
+     "see http://x.org/a \\\n"
+     "next www.y.org \\\n"
+     "last\n"},
     {"GreekLettersAreCharacters",
      R"nb(Cell["\[Alpha] + \[CapitalOmega] \[Rule] caf\[EAcute]", "Text"])nb",
      "α + Ω -&gt; café\n"},
