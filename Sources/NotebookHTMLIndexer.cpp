@@ -5,6 +5,7 @@
 #include "Kx/KxNumber.h"
 #include "Kx/KxString.h"
 #include "Kx/KxSymbol.h"
+#include "NotebookSummary.h"
 #include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnString.h"
 #include "Zn/Base/ZnStringEncoding.h"
@@ -181,14 +182,51 @@ Zn::String* NotebookHTMLIndexer::stringForBox(Expr* theBox, const IndexContext& 
 
 //===--- Document and cells ------------------------------------------------===//
 
-void NotebookHTMLIndexer::beginDocument(Expr*) {
+namespace {
+// Cell styles shown as what they are: the outline styles as headings, code
+// and what it printed in a fixed-width font, items as list items. Line
+// breaks and indentation are in the markup already (<br/> and spaces that
+// do not collapse), so the text keeps its lines without white-space rules.
+const char kCellStyleSheet[] =
+    ".Title { font-size: 2.4em; font-weight: bold; }\n"
+    ".Subtitle { font-size: 1.8em; }\n"
+    ".Subsubtitle { font-size: 1.4em; }\n"
+    ".Chapter { font-size: 2em; font-weight: bold; }\n"
+    ".Subchapter { font-size: 1.7em; font-weight: bold; }\n"
+    ".Section { font-size: 1.6em; font-weight: bold; margin-top: 0.6em; }\n"
+    ".Subsection { font-size: 1.35em; font-weight: bold; }\n"
+    ".Subsubsection { font-size: 1.15em; font-weight: bold; }\n"
+    ".Subsubsubsection { font-size: 1.05em; font-weight: bold; }\n"
+    ".Input, .InputOnly, .Code { font-family: Courier, monospace; font-weight: bold; overflow-wrap: break-word; }\n"
+    ".Output, .Print, .Message, .Echo { font-family: Courier, monospace; overflow-wrap: break-word; }\n"
+    ".Item, .Subitem, .ItemNumbered, .SubitemNumbered { display: list-item; list-style-position: inside; "
+    "margin-left: 1.5em; }\n"
+    ".Subitem, .SubitemNumbered { margin-left: 3em; }\n"
+    ".Item { list-style-type: disc; }\n"
+    ".Subitem { list-style-type: circle; }\n"
+    ".ItemNumbered, .SubitemNumbered { list-style-type: decimal; }\n"
+    // The cells are siblings, so each run of numbered items counts from 1.
+    ":not(.ItemNumbered) + .ItemNumbered, :not(.SubitemNumbered) + .SubitemNumbered "
+    "{ counter-reset: list-item; }\n";
+} // namespace
+
+void NotebookHTMLIndexer::beginDocument(Expr* theNotebook) {
   Zn::Writer* writer = writer_.get();
-  writeMarkup(writer, "<html>\n<head>\n"
-                      "<style type=\"text/css\">\n"
+  NotebookSummary summary = SummarizeNotebook(theNotebook, *this);
+  writeMarkup(writer, "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n");
+  if (summary.title) {
+    writeMarkup(writer, "<title>");
+    writer->putString(summary.title.get());
+    writeMarkup(writer, "</title>\n");
+  }
+  writeMetaElement(writer, "author", summary.authors.get());
+  writeMetaElement(writer, "keywords", summary.keywords.get());
+  writeMarkup(writer, "<style type=\"text/css\">\n"
                       "body { font-family: Times, serif; font-size: 12px; }\n"
                       "div { padding: 4px; }\n"
                       "form { display: inline; }\n"
                       "table { display: inline; }\n");
+  writeMarkup(writer, kCellStyleSheet);
   if (styleDefinitions_) {
     if (auto css = adopt(styleSheetText(styleDefinitions_.get()))) {
       htmlEncoding_->setRaw(true);
@@ -197,6 +235,18 @@ void NotebookHTMLIndexer::beginDocument(Expr*) {
     }
   }
   writeMarkup(writer, "\n</style>\n</head>\n<body>\n<form action=\"javascript:null\">\n");
+}
+
+void NotebookHTMLIndexer::writeMetaElement(Zn::Writer* theWriter, const char* theName, Zn::Array* theTexts) {
+  if (theTexts->getCount() == 0)
+    return;
+  writeMarkupFormat(theWriter, "<meta name=\"%s\" content=\"", theName);
+  for (ZnIndex i = 0; i < theTexts->getCount(); ++i) {
+    if (i > 0)
+      theWriter->putBytes(", ");
+    theWriter->putString(static_cast<Zn::String*>(theTexts->objectAtIndex(i)));
+  }
+  writeMarkup(theWriter, "\">\n");
 }
 
 void NotebookHTMLIndexer::endDocument(Expr*) { writeMarkup(writer_.get(), "\n</form>\n</body>\n</html>\n"); }
@@ -253,9 +303,8 @@ void NotebookHTMLIndexer::writeGraphicsPlaceholder(Expr* theBox, ZnIndex theFirs
       width = 576, height = 349;
     }
   }
-  // "bgcolor" without "=" is what this page has always carried.
   writeMarkupFormat(theContext.writer.get(),
-                    "<table width=\"%d\" height=\"%d\" bgcolor\"#EEEEEE\" border=\"1\"><tr>"
+                    "<table width=\"%d\" height=\"%d\" bgcolor=\"#EEEEEE\" border=\"1\"><tr>"
                     "<td align=\"center\">-Graphics-</td></tr></table>",
                     int(width), int(height));
 }

@@ -70,6 +70,9 @@ private:
   /// Writes theMarkup with the escaping off.
   void writeMarkup(Zn::Writer* theWriter, const char* theMarkup);
   void writeMarkupFormat(Zn::Writer* theWriter, const char* theFormat, ...);
+  /// <meta name="theName"> whose content is theTexts joined by commas;
+  /// nothing when there are none.
+  void writeMetaElement(Zn::Writer* theWriter, const char* theName, Zn::Array* theTexts);
   /// The grey table that stands for a graphic; ImageSize options are read
   /// from the argument theFirstOption on.
   void writeGraphicsPlaceholder(Zn::Kx::Expr* theBox, ZnIndex theFirstOption, const IndexContext& theContext);

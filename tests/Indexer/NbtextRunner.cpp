@@ -63,15 +63,31 @@ Run ConvertNotebook(const std::string& theNotebook, const std::vector<std::strin
   return RunNbtext(arguments);
 }
 
-std::string HtmlPage(const std::string& theBody) {
-  return "<html>\n<head>\n"
-         "<style type=\"text/css\">\n"
-         "body { font-family: Times, serif; font-size: 12px; }\n"
-         "div { padding: 4px; }\n"
-         "form { display: inline; }\n"
-         "table { display: inline; }\n"
-         "\n</style>\n</head>\n<body>\n<form action=\"javascript:null\">\n" +
-         theBody + "\n</form>\n</body>\n</html>\n";
+namespace {
+// The fixed rules that open the page's style sheet; the cell styles' rules
+// follow them up to the style element's end.
+const char kPageRules[] = "<style type=\"text/css\">\n"
+                          "body { font-family: Times, serif; font-size: 12px; }\n"
+                          "div { padding: 4px; }\n"
+                          "form { display: inline; }\n"
+                          "table { display: inline; }\n";
+const char kStyleEnd[] = "\n</style>\n";
+} // namespace
+
+std::string HtmlPage(const std::string& theBody, const std::string& theHead) {
+  return "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n" + theHead + kPageRules + kStyleEnd +
+         "</head>\n<body>\n<form action=\"javascript:null\">\n" + theBody + "\n</form>\n</body>\n</html>\n";
+}
+
+std::string WithoutCellStyles(const std::string& thePages) {
+  std::string pages = thePages;
+  for (size_t at = pages.find(kPageRules); at != std::string::npos; at = pages.find(kPageRules, at + 1)) {
+    const size_t rules = at + sizeof kPageRules - 1;
+    const size_t end = pages.find(kStyleEnd, rules);
+    if (end != std::string::npos)
+      pages.erase(rules, end - rules);
+  }
+  return pages;
 }
 
 std::string WithoutTimeStamps(const std::string& theLog) {

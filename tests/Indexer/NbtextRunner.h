@@ -40,8 +40,14 @@ Run RunNbtext(const std::vector<std::string>& theArguments, const std::string& t
 Run ConvertNotebook(const std::string& theNotebook, const std::vector<std::string>& theOptions = {});
 
 /// The page that nbtext -html writes for a notebook whose cells wrote
-/// theBody: the fixed head, theBody, the fixed tail.
-std::string HtmlPage(const std::string& theBody);
+/// theBody: the head with theHead (its title and meta elements, one per
+/// line) before the style sheet, theBody, the fixed tail. The style sheet
+/// holds its fixed rules only: compare it with WithoutCellStyles(output).
+std::string HtmlPage(const std::string& theBody, const std::string& theHead = "");
+
+/// thePages of nbtext -html without the cell styles' rules in their style
+/// sheets, which goldens of cells need not repeat.
+std::string WithoutCellStyles(const std::string& thePages);
 
 /// The part of a log line after its time stamp "YYYY-MM-DD hh:mm:ss: ".
 std::string WithoutTimeStamps(const std::string& theLog);

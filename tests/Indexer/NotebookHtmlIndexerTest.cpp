@@ -4,8 +4,11 @@
 
 namespace {
 using NbtextTest::ConvertNotebook;
+using NbtextTest::WithoutCellStyles;
 
-std::string Page(const std::string& theBody) { return NbtextTest::HtmlPage(theBody); }
+std::string Page(const std::string& theBody, const std::string& theHead = "") {
+  return NbtextTest::HtmlPage(theBody, theHead);
+}
 
 struct Golden {
   const char* name;
@@ -17,7 +20,7 @@ void PrintTo(const Golden& theCase, std::ostream* theStream) { *theStream << the
 
 // The placeholder that stands for graphics of theWidth by theHeight pixels.
 #define GRAPHICS(theWidth, theHeight) \
-  "<table width=\"" theWidth "\" height=\"" theHeight "\" bgcolor\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
+  "<table width=\"" theWidth "\" height=\"" theHeight "\" bgcolor=\"#EEEEEE\" border=\"1\"><tr><td align=\"center\">-Graphics-</td></tr></table>"
 
 const Golden kGoldens[] = {
     // Cells and their margins.
@@ -157,11 +160,106 @@ TEST_P(NotebookHtmlGoldenTest, WritesExactly) {
   const Golden& golden = GetParam();
   auto run = ConvertNotebook(std::string("Notebook[{") + golden.notebook + "}]", {"-html"});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out, Page(golden.body));
+  EXPECT_EQ(WithoutCellStyles(run.out), Page(golden.body));
 }
 
 INSTANTIATE_TEST_SUITE_P(Boxes, NotebookHtmlGoldenTest, testing::ValuesIn(kGoldens),
                          [](const testing::TestParamInfo<Golden>& theInfo) { return theInfo.param.name; });
+
+// The head: the title and the author and keywords meta elements, read from
+// the notebook before its cells are written.
+struct HeadGolden {
+  const char* name;
+  const char* notebook; // the whole notebook
+  const char* head;     // the title and meta elements
+  const char* body;
+};
+
+void PrintTo(const HeadGolden& theCase, std::ostream* theStream) { *theStream << theCase.name; }
+
+const HeadGolden kHeadGoldens[] = {
+    {"NoTitleNoElement", R"nb(Notebook[{Cell["x", "Text"]}])nb", "", "\n<div class=\"Text\">x</div>"},
+    {"TitleFromTheFirstTitleCellOnOneLine",
+     R"nb(Notebook[{Cell["x", "Text"], Cell[CellGroupData[{Cell["", "Title"], Cell["The  title\nhere", "Title"], Cell["Second", "Title"]}, Open]]}, WindowTitle->"Window"])nb",
+     "<title>The title here</title>\n",
+     "\n<div class=\"Text\">x</div>\n<div class=\"Title\"></div>\n<div class=\"Title\">The  title<br/>\nhere</div>"
+     "\n<div class=\"Title\">Second</div>"},
+    {"TitleFromTheWindowTitle", R"nb(Notebook[{Cell["x", "Section"]}, WindowTitle->"Orbits \[Alpha]"])nb",
+     "<title>Orbits \xCE\xB1</title>\n", "\n<div class=\"Section\">x</div>"},
+    {"TitleHoldsNoMarkup",
+     R"nb(Notebook[{Cell[TextData[{"Big ", StyleBox["bold", FontWeight->"Bold"], Cell[BoxData[SuperscriptBox["x", "2"]]]}], "Title"]}])nb",
+     "<title>Big boldx^2</title>\n",
+     "\n<div class=\"Title\">Big <span style=\"font-weight:bold;\">bold</span>x<sup>2</sup></div>"},
+    {"AuthorsAndKeywordsAreJoined",
+     R"nb(Notebook[{Cell["Ann", "Author"], Cell["Bob\nLee", "Author"], Cell["graphs, trees", "Keywords"]}])nb",
+     "<meta name=\"author\" content=\"Ann, Bob Lee\">\n<meta name=\"keywords\" content=\"graphs, trees\">\n",
+     "\n<div class=\"Author\">Ann</div>\n<div class=\"Author\">Bob<br/>\nLee</div>"
+     "\n<div class=\"Keywords\">graphs, trees</div>"},
+    {"HeadTextsAreEscaped",
+     R"nb(Notebook[{Cell["a<b & \"c\"", "Title"], Cell["O'Neil <x>", "Author"], Cell["\"q\" & r", "Keywords"]}])nb",
+     "<title>a&lt;b &amp; &quot;c&quot;</title>\n<meta name=\"author\" content=\"O&apos;Neil &lt;x&gt;\">\n"
+     "<meta name=\"keywords\" content=\"&quot;q&quot; &amp; r\">\n",
+     "\n<div class=\"Title\">a&lt;b &amp; &quot;c&quot;</div>\n<div class=\"Author\">O&apos;Neil &lt;x&gt;</div>"
+     "\n<div class=\"Keywords\">&quot;q&quot; &amp; r</div>"},
+};
+
+class NotebookHtmlHeadTest : public testing::TestWithParam<HeadGolden> {};
+
+TEST_P(NotebookHtmlHeadTest, WritesExactly) {
+  const HeadGolden& golden = GetParam();
+  auto run = ConvertNotebook(golden.notebook, {"-html"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(WithoutCellStyles(run.out), Page(golden.body, golden.head));
+}
+
+INSTANTIATE_TEST_SUITE_P(Head, NotebookHtmlHeadTest, testing::ValuesIn(kHeadGoldens),
+                         [](const testing::TestParamInfo<HeadGolden>& theInfo) { return theInfo.param.name; });
+
+// The style sheet shows the common cell styles as what they are: each rule
+// named here holds the declaration.
+TEST(NotebookHtmlIndexerTest, CellStylesShowWhatTheCellsAre) {
+  auto run = ConvertNotebook("Notebook[{}]", {"-html"});
+  const std::string sheet = run.out.substr(0, run.out.find("</style>"));
+  // The declarations of the rules whose selectors name theClass.
+  auto declarations = [&](const std::string& theClass) {
+    std::string found;
+    for (size_t at = sheet.find("." + theClass); at != std::string::npos; at = sheet.find("." + theClass, at + 1)) {
+      const char after = sheet[at + theClass.size() + 1];
+      const size_t open = sheet.find('{', at);
+      if ((after == ',' || after == ' ') && open < sheet.find('}', at))
+        found += sheet.substr(open, sheet.find('}', open) - open);
+    }
+    return found;
+  };
+  const struct {
+    const char* style;
+    const char* declaration;
+  } kRules[] = {
+      // The outline styles as headings.
+      {"Title", "font-weight: bold"}, {"Subtitle", "font-size"}, {"Section", "font-weight: bold"},
+      {"Subsubsection", "font-size"},
+      // Code, and what it printed, in a fixed-width font.
+      {"Input", "monospace"}, {"InputOnly", "monospace"}, {"Code", "monospace"},
+      {"Output", "monospace"}, {"Print", "monospace"}, {"Message", "monospace"}, {"Echo", "monospace"},
+      // Items as list items.
+      {"Item", "display: list-item"}, {"Subitem", "list-style-type: circle"},
+      {"ItemNumbered", "list-style-type: decimal"},
+  };
+  for (const auto& rule : kRules)
+    EXPECT_NE(declarations(rule.style).find(rule.declaration), std::string::npos) << rule.style;
+  EXPECT_EQ(declarations("Text"), "");
+  // The outline levels get smaller from the title down, and stay above the text.
+  double above = 100;
+  for (const char* style : {"Title", "Chapter", "Section", "Subsection", "Subsubsection", "Subsubsubsection"}) {
+    const std::string text = declarations(style);
+    const size_t size = text.find("font-size: ");
+    ASSERT_NE(size, std::string::npos) << style;
+    const double em = std::stod(text.substr(size + 11));
+    EXPECT_LT(em, above) << style;
+    EXPECT_GT(em, 1.0) << style;
+    above = em;
+  }
+}
 
 TEST(NotebookHtmlIndexerTest, SeveralNotebooksEachGetTheirOwnPage) {
   NbtextTest::TempDir dir;
@@ -170,10 +268,12 @@ TEST(NotebookHtmlIndexerTest, SeveralNotebooksEachGetTheirOwnPage) {
   std::string second = dir.write("second.nb", R"nb(Notebook[{Cell["two", "Text"]}, StyleDefinitions->"Book.nb"])nb");
   auto run = NbtextTest::RunNbtext({first, "-html", second});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out, Page("\n<div class=\"Title\">one</div>") + Page("\n<div class=\"Text\">two</div>"));
+  EXPECT_EQ(WithoutCellStyles(run.out), Page("\n<div class=\"Title\">one</div>", "<title>one</title>\n") +
+                         Page("\n<div class=\"Text\">two</div>"));
   // A refused file writes no page at all, not even a head.
   run = NbtextTest::RunNbtext({"-html", first, refused, second});
   EXPECT_EQ(run.status, 255);
-  EXPECT_EQ(run.out, Page("\n<div class=\"Title\">one</div>") + Page("\n<div class=\"Text\">two</div>"));
+  EXPECT_EQ(WithoutCellStyles(run.out), Page("\n<div class=\"Title\">one</div>", "<title>one</title>\n") +
+                         Page("\n<div class=\"Text\">two</div>"));
 }
 } // namespace
