@@ -54,6 +54,8 @@ const Golden kGoldens[] = {
     {"IndentationAfterABreakIsEscaped",
      R"nb(Cell[BoxData[RowBox[{"f", "[", "\[IndentingNewLine]", "x", "\[IndentingNewLine]", "]"}]], "Output"])nb",
      "\n<div class=\"Output\">f[<br/>\n&#160;&#160;&#160;&#160;x<br/>\n]</div>"},
+    {"ControlCharactersAndNoncharactersAreLeftOut", R"nb(Cell["a\.7fb\.85c\:fdd0d\:ffffe", "Text"])nb",
+     "\n<div class=\"Text\">abcde</div>"},
     {"GreekLettersAreCharacters", R"nb(Cell["\[Alpha]\[Beta] \[Rule] caf\[EAcute]", "Text"])nb",
      "\n<div class=\"Text\">\xCE\xB1\xCE\xB2 -&gt; caf\xC3\xA9</div>"},
     {"BoxGroupInsideAStringIsRendered", R"nb(Cell["x \!\(a\^2\) y", "Text"])nb",
@@ -196,7 +198,7 @@ const HeadGolden kHeadGoldens[] = {
      "\n<div class=\"Author\">Ann</div>\n<div class=\"Author\">Bob<br/>\nLee</div>"
      "\n<div class=\"Keywords\">graphs, trees</div>"},
     {"HeadTextsAreEscaped",
-     R"nb(Notebook[{Cell["a<b & \"c\"", "Title"], Cell["O'Neil <x>", "Author"], Cell["\"q\" & r", "Keywords"]}])nb",
+     R"nb(Notebook[{Cell["a<b & \"c\"", "Title"], Cell["O'Neil <x>", "Author"], Cell["\"q\" & r\.7f", "Keywords"]}])nb",
      "<title>a&lt;b &amp; &quot;c&quot;</title>\n<meta name=\"author\" content=\"O&apos;Neil &lt;x&gt;\">\n"
      "<meta name=\"keywords\" content=\"&quot;q&quot; &amp; r\">\n",
      "\n<div class=\"Title\">a&lt;b &amp; &quot;c&quot;</div>\n<div class=\"Author\">O&apos;Neil &lt;x&gt;</div>"

@@ -370,6 +370,16 @@ HTMLEncoding::HTMLEncoding(StringEncoding* theInner)
       innerIsASCII_(dynamic_cast<ASCIIEncoding*>(inner_.get()) != nullptr) {}
 
 namespace {
+// Control characters other than the white space ones, and the code points
+// that Unicode keeps as noncharacters, may not stand in an HTML document,
+// not even as references: the page leaves them out.
+bool IsBarredFromHTML(ZnUnichar theCharacter) {
+  if (theCharacter < 0x20)
+    return theCharacter != 9 && theCharacter != 10 && theCharacter != 12 && theCharacter != 13;
+  return (theCharacter >= 0x7F && theCharacter <= 0x9F) || (theCharacter >= 0xFDD0 && theCharacter <= 0xFDEF) ||
+         theCharacter >= 0xFFFE;
+}
+
 struct Markup {
   const char* text;
   ZnIndex length;
@@ -388,7 +398,7 @@ Markup MarkupFor(ZnUnichar theCharacter, ZnUnichar theNext) {
   case '\'': return {"&apos;", 6, 1};
   case '<': return {"&lt;", 4, 1};
   case '>': return {"&gt;", 4, 1};
-  default: return {nullptr, 0, 0};
+  default: return IsBarredFromHTML(theCharacter) ? Markup{"", 0, 1} : Markup{nullptr, 0, 0};
   }
 }
 
@@ -402,7 +412,7 @@ bool NeedsMarkup(ZnUnichar theCharacter, bool theNumericReferences) {
   case '\'':
   case '<':
   case '>': return true;
-  default: return theNumericReferences && theCharacter >= 128;
+  default: return IsBarredFromHTML(theCharacter) || (theNumericReferences && theCharacter >= 128);
   }
 }
 } // namespace

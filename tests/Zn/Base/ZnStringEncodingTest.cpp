@@ -180,6 +180,9 @@ TEST_F(StringEncodingTest, HTMLEscapesMarkupAndFoldsCRLF) {
       {-1, false, u"a<b & \"c\"\t", "a&lt;b &amp; &quot;c&quot;&#160;&#160;&#160;&#160;"},
       {-1, false, u"x\r\ny\rz\n'>", "x<br/>\r\ny<br/>\rz<br/>\n&apos;&gt;"},
       {-1, false, u"\u00e9", "\xC3\xA9"},
+      // characters HTML bars, even as references, are left out; form feed stays
+      {-1, false, u"a\u0001\u001f\u007f\u0085\u009f\ufdd0\ufdef\ufffe\uffff\fz", "a\fz"},
+      {6, false, u"\u0008\u0080\u00a0", "&#00a0;"},
       {-1, true, u"a<b & \"c\"\t\r\n", "a<b & \"c\"\t\r\n"},
       // numeric references only over an 8-bit inner encoding
       {6, false, u"\u00e9\u263a<", "&#00e9;&#263a;&lt;"},
