@@ -7,12 +7,17 @@
       and writes WORK/words.tsv: words that occur in exactly one notebook's
       text, each with the notebook and where it came from (a title or section
       cell, a text cell, only inside controls or grids; accented or not).
+  corpus_words.py heads WORK recoll|omega QUERY...
+      Runs QUERY, which lists every notebook of the HTML index with its
+      fields, and checks that the indexer shows the title and author of each
+      page that has them (WORK/heads.tsv, written by prepare).
   corpus_words.py check WORK text|html QUERY...
       Runs QUERY followed by each word and compares the notebooks named in its
       output with the expected ones; it also checks that markup terms
       ("RowBox", "Cell", the name in "\\[Alpha]", and for HTML "span", "div")
       find no notebook whose text lacks them.
 """
+import base64
 import collections
 import html.parser
 import os
@@ -31,11 +36,13 @@ MARKUP_TERMS = ["RowBox", "StyleBox", "BoxData", "TextData", "CellGroupData",
                 "Cell", "FontSize", "FontWeight", "FrontEndVersion",
                 "CellChangeTimes", "Alpha", "EAcute", "Dash", "IndentingNewLine", "Rule"]
 # Words of the HTML page's own markup and style sheet.
-PAGE_TERMS = ["div", "span", "bgcolor", "javascript", "serif"]
+PAGE_TERMS = ["div", "span", "bgcolor", "javascript", "serif", "monospace"]
 # Characters that some indexers join to a neighbouring word ("l'ensemble",
 # "a.b", "foo_bar", "C++"): a word counts only where it stands clear of them.
 JOINERS = set(".'\u2019-_@&+#/\\:")
 MIN_NOTEBOOKS = 20
+# Notebooks with a title, whose heads the indexers must show.
+MIN_TITLED = 20
 
 
 def fold(text):
@@ -171,6 +178,33 @@ class VisibleText(html.parser.HTMLParser):
             self.parts.append(data)
 
 
+class PageHead(html.parser.HTMLParser):
+    """The title and the author meta element of a page."""
+
+    def __init__(self):
+        super().__init__()
+        self.title, self.author, self.in_title = "", "", False
+
+    def handle_starttag(self, tag, attrs):
+        self.in_title = tag == "title"
+        if tag == "meta" and dict(attrs).get("name") == "author":
+            self.author = dict(attrs).get("content", "")
+
+    def handle_endtag(self, tag):
+        self.in_title = False
+
+    def handle_data(self, data):
+        if self.in_title:
+            self.title += data
+
+
+def page_head(page):
+    parser = PageHead()
+    parser.feed(page[:page.find("</head>")])
+    parser.close()
+    return parser.title, parser.author
+
+
 def visible_text(page):
     parser = VisibleText()
     parser.feed(page)
@@ -189,7 +223,7 @@ def prepare(nbtext, corpus, work):
         os.makedirs(os.path.join(work, sub), exist_ok=True)
 
     started = time.monotonic()
-    texts, pages, failed = {}, {}, []
+    texts, pages, heads, failed = {}, {}, [], []
     for name in names:
         path = os.path.join(corpus, name)
         os.symlink(os.path.abspath(path), os.path.join(docs, name))
@@ -199,6 +233,7 @@ def prepare(nbtext, corpus, work):
             failed.append("%s (%d/%d)" % (name, status, status_html))
             continue
         texts[name], pages[name] = text, visible_text(page)
+        heads.append((name,) + page_head(page))
         for sub, content in (("text", text), ("html", pages[name])):
             with open(os.path.join(work, sub, name), "w", encoding="utf-8") as f:
                 f.write(content)
@@ -207,6 +242,9 @@ def prepare(nbtext, corpus, work):
           % (len(texts), len(names), took, sum(len(t.encode()) for t in texts.values())))
     if failed:
         print("WARNING: nbtext refused %d notebooks: %s" % (len(failed), ", ".join(failed)))
+
+    with open(os.path.join(work, "heads.tsv"), "w", encoding="utf-8") as f:
+        f.writelines("\t".join(row) + "\n" for row in heads)
 
     # A word qualifies when, folded, it is a word of one notebook's text only
     # and of no path that an indexer might also index.
@@ -301,9 +339,77 @@ def check(work, mode, query):
     return 1 if faults else 0
 
 
+#===--- heads ---------------------------------------------------------------===#
+
+def indexed_fields(kind, output):
+    """{notebook: (title, author)} from the listing of an index."""
+    fields = {}
+    if kind == "recoll":
+        # recollq -F "filename title author": each field in base64, one
+        # notebook a line, an empty field left empty.
+        for line in output.splitlines():
+            parts = line.split(" ")
+            if len(parts) >= 3 and parts[0]:
+                try:
+                    name, title, author = (base64.b64decode(p).decode("utf-8") for p in parts[:3])
+                except ValueError:
+                    continue
+                fields[name] = (title, author)
+        return fields
+    # quest prints each match's data, one field a line, from url= on.
+    record = {}
+    for line in output.splitlines() + ["url="]:
+        key, _, value = line.partition("=")
+        if key == "url":
+            if record.get("url"):
+                fields[os.path.basename(record["url"])] = (record.get("caption", ""), record.get("author", ""))
+            record = {}
+        if key in ("url", "caption", "author"):
+            record[key] = value
+    return fields
+
+
+def shows(shown, field):
+    """Whether an indexer's field is the page's: Recoll keeps only the first
+    words of a long one."""
+    return shown == field or (len(shown) >= 100 and field.startswith(shown))
+
+
+def heads(work, kind, query):
+    with open(os.path.join(work, "heads.tsv"), encoding="utf-8") as f:
+        rows = [line.rstrip("\n").split("\t") for line in f]
+    run = subprocess.run(query, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
+    shown = indexed_fields(kind, run.stdout.decode("utf-8", "replace"))
+    faults, titles, authors = [], 0, 0
+    for name, title, author in rows:
+        if not title and not author:
+            continue
+        got = shown.get(name)
+        if got is None:
+            faults.append("%s is not in the index's listing" % name)
+            continue
+        if title:
+            titles += 1
+            if not shows(got[0], title):
+                faults.append("%s: title %r shown, the page's is %r" % (name, got[0], title))
+        if author:
+            authors += 1
+            if not shows(got[1], author):
+                faults.append("%s: author %r shown, the page's is %r" % (name, got[1], author))
+    print("html: titles of %d notebooks and authors of %d looked for in the index" % (titles, authors))
+    for fault in faults:
+        print("  " + fault)
+    if titles < MIN_TITLED:
+        faults.append("only %d notebooks have a title (at least %d wanted)" % (titles, MIN_TITLED))
+        print("  " + faults[-1])
+    return 1 if faults else 0
+
+
 if __name__ == "__main__":
     if len(sys.argv) == 5 and sys.argv[1] == "prepare":
         prepare(*sys.argv[2:])
+    elif len(sys.argv) > 4 and sys.argv[1] == "heads" and sys.argv[3] in ("recoll", "omega"):
+        sys.exit(heads(sys.argv[2], sys.argv[3], sys.argv[4:]))
     elif len(sys.argv) > 4 and sys.argv[1] == "check" and sys.argv[3] in ("text", "html"):
         sys.exit(check(sys.argv[2], sys.argv[3], sys.argv[4:]))
     else:

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Recoll with nbtext as its exec filter for *.nb: indexes the corpus once as
-# text/plain and once with -html as text/html, then queries with recollq.
+# text/plain and once with -html as text/html, then queries with recollq;
+# with HTML it also shows each notebook's title and author.
 . "$(dirname "$0")/common.sh"
 need recoll recollindex
 prepare_words
@@ -20,7 +21,14 @@ CONF
   timed "recollindex ($1)" "$config/index.log" recollindex -c "$config"
   grep -E '^(filesdone|fileerrors) ' "$config/idxstatus.txt" | tr '\n' ' '; echo
   # -s "": no stem expansion, so a word finds itself and nothing else.
-  $WORDS check "$WORK" "$1" recollq -c "$config" -b -s ""
+  local status=0
+  $WORDS check "$WORK" "$1" recollq -c "$config" -b -s "" || status=1
+  # Every notebook with the fields that a result list shows.
+  if [ "$1" = html ]; then
+    $WORDS heads "$WORK" recoll recollq -c "$config" -n 1000 -F "filename title author" \
+      -q mime:application/x-notebook || status=1
+  fi
+  return $status
 }
 
 status=0
