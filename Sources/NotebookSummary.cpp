@@ -93,6 +93,7 @@ private:
       return;
     IndexContext context;
     context.showStringCharacters = false;
+    context.labelsOnly = true;
     auto text = adopt(renderer_.stringForBox(value, context));
     auto line = adopt(CopySingleLine(text.get()));
     if (line->length() > 0)
@@ -103,6 +104,7 @@ private:
   Zn::Ref<Zn::String> textOf(Expr* theContents, Zn::String* theStyle) {
     IndexContext context;
     context.insideCell = true;
+    context.labelsOnly = true;
     context.cellStyle = retained(theStyle);
     auto text = adopt(renderer_.stringForBox(theContents, context));
     return adopt(CopySingleLine(text.get()));

@@ -76,6 +76,8 @@ void SearchIndexer::writeRadioButton(int32_t, const IndexContext&) {}
 void SearchIndexer::writeHyperlink(Zn::String* theLabel, Zn::String* theURL, const IndexContext& theContext) {
   Zn::Writer* writer = theContext.writer.get();
   writer->putString(theLabel);
+  if (theContext.labelsOnly)
+    return;
   writer->putBytes(" <");
   writer->putString(theURL);
   writer->putBytes(">");

@@ -44,6 +44,9 @@ struct IndexContext {
   /// While true, Dynamic and DynamicBox are walked into instead of being
   /// shown as "-Dynamic-".
   bool indexDynamic = false;
+  /// While true, a hyperlink shows its label alone, as on the page: for
+  /// texts that go where no address belongs (a title, an author).
+  bool labelsOnly = false;
 };
 
 /// Reads one notebook from a stream, parses it and walks it, turning every

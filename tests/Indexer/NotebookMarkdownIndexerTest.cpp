@@ -25,6 +25,13 @@ const Golden kGoldens[] = {
      "# A \"quoted\" \\\\ title\n"
      "\n"
      "Ann Lee\n"},
+    {"AnAuthorsLinkShowsItsLabelInTheFrontMatter",
+     R"nb(Cell[TextData[{"By ", ButtonBox["Ann", BaseStyle->"Hyperlink", ButtonData->{URL["http://ann.org"], None}]}], "Author"])nb",
+     "---\n"
+     "author: \"By Ann\"\n"
+     "---\n"
+     "\n"
+     "By [Ann](http://ann.org)\n"},
     {"SeveralAuthorsAreAList",
      R"nb(Cell["Ann", "Author"], Cell["Bo", "Author"])nb",
      "---\n"
