@@ -62,9 +62,7 @@ bool EndsOperand(int32_t theToken) {
 }
 
 /// +1. A string holding the units of theText.
-String* CopyText(const MutableString* theText) {
-  return String::createWithCharacters(theText->getCharactersPtr(), theText->length());
-}
+String* CopyText(const MutableString* theText) { return String::createWithString(theText); }
 
 ParseValue Atom(Expr* theExpr) { return {theExpr, 0}; }
 
@@ -87,11 +85,13 @@ AtomTable::~AtomTable() {
 }
 
 Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
-  const ZnUnichar* text = theText->getCharactersPtr();
-  ZnIndex length = theText->length();
-  uint32_t hash = 2166136261u;
-  for (ZnIndex i = 0; i < length; ++i)
-    hash = (hash ^ text[i]) * 16777619u;
+  const ZnIndex length = theText->length();
+  uint32_t hash = theText->withCharacters([](auto theUnits, ZnIndex theLength) {
+    uint32_t h = 2166136261u;
+    for (ZnIndex i = 0; i < theLength; ++i)
+      h = (h ^ theUnits[i]) * 16777619u;
+    return h;
+  });
   hash ^= theIsSymbol ? 1 : 0;
   if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
     // Rehash into twice the room. A small start: the parsers that the walk
@@ -115,17 +115,14 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
     const Entry& entry = slots_[j];
     if (entry.hash != hash || entry.length != length || entry.isSymbol != theIsSymbol)
       continue;
-    ZnIndex i = 0;
-    while (i < length && entry.text[i] == text[i]) // short texts: no call
-      ++i;
-    if (i == length)
+    if (entry.text->isEqual(theText))
       return retained(entry.atom).leak();
   }
-  auto characters = adopt(String::createWithCharacters(text, length));
+  auto characters = adopt(String::createWithString(theText));
   Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
                            : static_cast<Expr*>(new CharacterString(characters.get(), true));
   if (count_ < kMaximumEntries && count_ * 2 < capacity_) {
-    slots_[j] = {retained(atom).leak(), characters->getCharactersPtr(), length, hash, theIsSymbol};
+    slots_[j] = {retained(atom).leak(), characters.get(), length, hash, theIsSymbol};
     ++count_;
   }
   return atom;
@@ -648,7 +645,7 @@ double RealValue(const NumberDigits& theDigits, int32_t theExponent, const Mutab
   ZnIndex length = theText->length();
   char* buffer = static_cast<char*>(Allocate(Sys::size_t(length) + 16));
   for (ZnIndex i = 0; i < length; ++i)
-    buffer[i] = char(theText->getCharactersPtr()[i]);
+    buffer[i] = char(theText->unitAt(i));
   int written = StringFormat(buffer + length, 16, "e%d", theExponent);
   double result = 0.0;
   std::from_chars(buffer, buffer + length + written, result);
@@ -768,7 +765,7 @@ int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
     if (digits.base != 10)
       written->appendFormat("%d^^", int(digits.base));
     written->appendString(text_.get());
-    auto frozen = adopt(String::createWithCharacters(written->getCharactersPtr(), written->length()));
+    auto frozen = adopt(String::createWithString(written.get()));
     theValue->expr = new BigInteger(frozen.get(), RealValue(digits, 0, text_.get()));
     return KxMachineInteger;
   }

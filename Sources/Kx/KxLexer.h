@@ -39,7 +39,7 @@ public:
 private:
   struct Entry {
     Expr* atom;                 // retained; null for a free slot
-    const ZnUnichar* text;      // the atom's own characters
+    const String* text;         // the atom's own characters
     ZnIndex length;
     uint32_t hash;
     bool isSymbol;
