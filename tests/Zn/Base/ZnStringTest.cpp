@@ -1,6 +1,7 @@
 //===- ZnStringTest.cpp - Strings, the format routine and number parsing ---===//
 #include "Support/ZnTestSupport.h"
 #include "Zn/Base/ZnAssert.h"
+#include "Zn/Base/ZnMemory.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnString.h"
 
@@ -146,6 +147,17 @@ TEST_F(StringTest, UnitsBelow256TakeOneByteAndOthersTwo) {
     for (ZnIndex i = 0; i < compact->length(); ++i)
       EXPECT_EQ(compact->characterAtIndex(i), c.units[size_t(i)]);
   }
+}
+
+// A compact string of a parsed tree takes one byte a unit after the object.
+TEST_F(StringTest, CompactStringsTakeOneByteAUnit) {
+  const ZnUnichar text[] = {'a', 0xE9, 'b', 'c', 'd'}, wide[] = {'a', 0x263A, 'b'};
+  uint64_t before = GetTotalAllocated();
+  auto compact = adopt(String::createWithCharacters(text, 5));
+  EXPECT_EQ(GetTotalAllocated() - before, sizeof(String) + 5);
+  before = GetTotalAllocated();
+  auto sixteen = adopt(String::createWithCharacters(wide, 3));
+  EXPECT_EQ(GetTotalAllocated() - before, sizeof(String) + 6);
 }
 
 // Equal units make equal strings with equal hashes in either form; the
