@@ -2,6 +2,7 @@
 #include "Kx/KxLexer.h"
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <utility>
 #include "Kx/KxEscape.h"
 #include "Kx/KxExprParser.h"
@@ -74,14 +75,46 @@ constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
 
 //===--- Shared atoms -----------------------------------------------------------===//
 
-AtomTable::~AtomTable() {
+template <class EntryT> AtomTable::Slots<EntryT>::~Slots() {
   for (ZnIndex i = 0; i < capacity_; ++i)
     if (slots_[i].atom)
       slots_[i].atom->release();
   Free(slots_);
-  for (Expr* integer : integers_)
-    if (integer)
-      integer->release();
+}
+
+template <class EntryT>
+template <class Matches>
+EntryT* AtomTable::Slots<EntryT>::find(uint32_t theHash, Matches theMatches) {
+  if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
+    // Rehash into twice the room. A small start: the parsers that the walk
+    // makes for box groups in strings read a few atoms each.
+    ZnIndex capacity = capacity_ == 0 ? 64 : capacity_ * 2;
+    auto* slots = static_cast<EntryT*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(EntryT)));
+    for (ZnIndex i = 0; i < capacity_; ++i) {
+      if (!slots_[i].atom)
+        continue;
+      ZnIndex j = ZnIndex(slots_[i].hashValue() & uint32_t(capacity - 1));
+      while (slots[j].atom)
+        j = (j + 1) & (capacity - 1);
+      slots[j] = slots_[i];
+    }
+    Free(slots_);
+    slots_ = slots;
+    capacity_ = capacity;
+  }
+  ZnIndex j = ZnIndex(theHash & uint32_t(capacity_ - 1));
+  for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1))
+    if (theMatches(slots_[j]))
+      break;
+  return &slots_[j];
+}
+
+template <class EntryT> void AtomTable::Slots<EntryT>::insert(EntryT* theSlot, const EntryT& theEntry) {
+  if (count_ >= kMaximumEntries || count_ * 2 >= capacity_)
+    return;
+  *theSlot = theEntry;
+  theSlot->atom->retain();
+  ++count_;
 }
 
 Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
@@ -93,38 +126,16 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
     return h;
   });
   hash ^= theIsSymbol ? 1 : 0;
-  if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
-    // Rehash into twice the room. A small start: the parsers that the walk
-    // makes for box groups in strings read a few atoms each.
-    ZnIndex capacity = capacity_ == 0 ? 64 : capacity_ * 2;
-    auto* slots = static_cast<Entry*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(Entry)));
-    for (ZnIndex i = 0; i < capacity_; ++i) {
-      if (!slots_[i].atom)
-        continue;
-      ZnIndex j = ZnIndex(slots_[i].hash & uint32_t(capacity - 1));
-      while (slots[j].atom)
-        j = (j + 1) & (capacity - 1);
-      slots[j] = slots_[i];
-    }
-    Free(slots_);
-    slots_ = slots;
-    capacity_ = capacity;
-  }
-  ZnIndex j = ZnIndex(hash & uint32_t(capacity_ - 1));
-  for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1)) {
-    const Entry& entry = slots_[j];
-    if (entry.hash != hash || entry.length != length || entry.isSymbol != theIsSymbol)
-      continue;
-    if (entry.text->isEqual(theText))
-      return retained(entry.atom).leak();
-  }
+  Entry* slot = texts_.find(hash, [&](const Entry& theEntry) {
+    return theEntry.hash == hash && theEntry.length == length && theEntry.isSymbol == theIsSymbol &&
+           theEntry.text->isEqual(theText);
+  });
+  if (slot->atom)
+    return retained(slot->atom).leak();
   auto characters = adopt(String::createWithString(theText));
   Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
                            : static_cast<Expr*>(new CharacterString(characters.get(), true));
-  if (count_ < kMaximumEntries && count_ * 2 < capacity_) {
-    slots_[j] = {retained(atom).leak(), characters.get(), length, hash, theIsSymbol};
-    ++count_;
-  }
+  texts_.insert(slot, {atom, characters.get(), length, hash, theIsSymbol});
   return atom;
 }
 
@@ -136,6 +147,12 @@ Expr* AtomTable::string(const MutableString* theText) {
   return find(theText, false);
 }
 
+AtomTable::~AtomTable() {
+  for (Expr* integer : integers_)
+    if (integer)
+      integer->release();
+}
+
 Expr* AtomTable::integer(int32_t theValue) {
   if (theValue < 0 || theValue >= kSmallIntegers)
     return new MachineInteger(theValue);
@@ -143,6 +160,20 @@ Expr* AtomTable::integer(int32_t theValue) {
   if (!shared)
     shared = new MachineInteger(theValue);
   return retained(shared).leak();
+}
+
+/// Spreads the bits of a double, whose low bits are mostly zero, over a hash.
+uint32_t AtomTable::RealEntry::hashValue() const { return uint32_t((bits * 0x9E3779B97F4A7C15u) >> 32); }
+
+Expr* AtomTable::real(double theValue) {
+  RealEntry entry = {nullptr, 0};
+  std::memcpy(&entry.bits, &theValue, sizeof entry.bits);
+  RealEntry* slot = reals_.find(entry.hashValue(), [&](const RealEntry& theEntry) { return theEntry.bits == entry.bits; });
+  if (slot->atom)
+    return retained(slot->atom).leak();
+  entry.atom = new MachineReal(theValue);
+  reals_.insert(slot, entry);
+  return entry.atom;
 }
 
 //===--- The lexer --------------------------------------------------------------===//
@@ -756,7 +787,7 @@ int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
   if (more)
     unget(c);
   if (isReal) {
-    theValue->expr = new MachineReal(RealValue(digits, exponent, text_.get()));
+    theValue->expr = parser_->getAtoms()->real(RealValue(digits, exponent, text_.get()));
     return KxMachineReal;
   }
   if (digits.tooLarge) {
