@@ -272,10 +272,11 @@ Expr* parseEmbeddedBox(Expr* theText) {
   // in a string literal of code, itself held in a string, is two deep.
   auto source = retained(text);
   for (int level = 0; level < 3; ++level) {
-    auto box = adopt(parseQuietly(source->getCharactersPtr(), source->length(), false));
+    Zn::WideCharacters units(source.get());
+    auto box = adopt(parseQuietly(units.data(), units.length(), false));
     if (isBoxExpression(box.get()))
       return box.leak();
-    auto unescaped = adopt(unescapedOnce(source->getCharactersPtr(), source->length()));
+    auto unescaped = adopt(unescapedOnce(units.data(), units.length()));
     if (unescaped->length() == source->length())
       return nullptr;
     source = std::move(unescaped);

@@ -87,17 +87,17 @@ Expr* rowLike(Expr* theRow, Expr* theList) {
 }
 
 bool isQuotedText(const Zn::String* theText) {
-  const ZnUnichar* t = theText->getCharactersPtr();
+  auto t = [theText](ZnIndex theIndex) { return theText->unitAt(theIndex); };
   const ZnIndex n = theText->length();
-  if (n >= 2 && t[0] == '"' && t[n - 1] == '"')
+  if (n >= 2 && t(0) == '"' && t(n - 1) == '"')
     return true;
-  return n >= 4 && t[0] == '\\' && t[1] == '"' && t[n - 2] == '\\' && t[n - 1] == '"';
+  return n >= 4 && t(0) == '\\' && t(1) == '"' && t(n - 2) == '\\' && t(n - 1) == '"';
 }
 
 bool isCommentText(const Zn::String* theText) {
-  const ZnUnichar* t = theText->getCharactersPtr();
+  auto t = [theText](ZnIndex theIndex) { return theText->unitAt(theIndex); };
   const ZnIndex n = theText->length();
-  return n >= 4 && t[0] == '(' && t[1] == '*' && t[n - 2] == '*' && t[n - 1] == ')';
+  return n >= 4 && t(0) == '(' && t(1) == '*' && t(n - 2) == '*' && t(n - 1) == ')';
 }
 
 class CodeDecorator {

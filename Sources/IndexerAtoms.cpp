@@ -21,7 +21,10 @@ class SearchIndexer::Scratch {
 public:
   explicit Scratch(SearchIndexer* theIndexer) : indexer_(theIndexer) {
     if (theIndexer->scratchCount_ == 0) {
+      // Wide from the start, so that what is written into it can be read
+      // through a pointer.
       string_ = adopt(new Zn::MutableString(64));
+      string_->widen();
       return;
     }
     string_ = std::move(theIndexer->scratchPool_[--theIndexer->scratchCount_]);
@@ -35,6 +38,7 @@ public:
   Scratch& operator=(const Scratch&) = delete;
   Zn::MutableString* operator->() const { return string_.get(); }
   Zn::MutableString* get() const { return string_.get(); }
+  const ZnUnichar* units() const { return string_->getWideCharactersPtr(); }
 
 private:
   SearchIndexer* indexer_;
@@ -50,12 +54,12 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
     return;
   if (symbol) {
     // The context (up to the last backquote) is no part of what a reader sees.
-    Zn::String* name = symbol->getName();
-    const ZnUnichar* units = name->getCharactersPtr();
-    ZnIndex start = name->length();
+    Zn::WideCharacters name(symbol->getName());
+    const ZnUnichar* units = name.data();
+    ZnIndex start = name.length();
     while (start > 0 && units[start - 1] != '`')
       --start;
-    writeAtomText(units + start, name->length() - start, theContext);
+    writeAtomText(units + start, name.length() - start, theContext);
     return;
   }
   Zn::String* text = stringText(theLeaf);
@@ -63,11 +67,13 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
     // A number as the file writes it, not through a fixed format.
     auto real = dynamic_cast<const Zn::Kx::MachineReal*>(theLeaf);
     auto value = adopt(real ? real->shortestText() : theLeaf->stringValue());
-    writeResolvedText(value->getCharactersPtr(), value->length(), theContext);
+    Zn::WideCharacters units(value.get());
+    writeResolvedText(units.data(), units.length(), theContext);
     return;
   }
-  const ZnUnichar* units = text->getCharactersPtr();
-  ZnIndex length = text->length();
+  Zn::WideCharacters wide(text);
+  const ZnUnichar* units = wide.data();
+  ZnIndex length = wide.length();
   // A place in the documentation (a tooltip's "paclet:ref/Name") is no
   // text of the page and no address a reader could follow.
   if (theContext.insideBoxData && !theContext.codeStyle && AtomText::isPacletAddress(units, length))
@@ -77,7 +83,7 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
   Scratch unmarked(this);
   if (theContext.insideBoxData && !theContext.codeStyle &&
       AtomText::dropNumberMarks(units, length, unmarked.get())) {
-    units = unmarked->getCharactersPtr();
+    units = unmarked.units();
     length = unmarked->length();
   }
   if (!theContext.showStringCharacters) {
@@ -87,8 +93,8 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
     // with their quotes among other text ("size "2"X").
     Scratch value(this);
     AtomText::resolveEscapes(units, length, value.get());
-    if (AtomText::isOneStringLiteral(value->getCharactersPtr(), value->length())) {
-      writeAtomText(value->getCharactersPtr() + 1, value->length() - 2, theContext);
+    if (AtomText::isOneStringLiteral(value.units(), value->length())) {
+      writeAtomText(value.units() + 1, value->length() - 2, theContext);
       return;
     }
     if (AtomText::holdsStringLiterals(units, length)) {
@@ -118,7 +124,7 @@ void SearchIndexer::writeResolvedText(const ZnUnichar* theCharacters, ZnIndex th
   }
   Scratch out(this);
   characterEncoding_->escapeString(theCharacters, theLength, out.get());
-  theContext.writer->putCharacters(out->getCharactersPtr(), out->length());
+  theContext.writer->putCharacters(out.units(), out->length());
 }
 
 void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, const IndexContext& theContext) {
@@ -134,7 +140,7 @@ void SearchIndexer::writeAtomText(const ZnUnichar* theText, ZnIndex theLength, c
   // a group inside a string inside a string is written "\\!\\(...\\)".
   Scratch resolved(this);
   AtomText::resolveEscapes(theText, theLength, resolved.get());
-  const ZnUnichar* text = resolved->getCharactersPtr();
+  const ZnUnichar* text = resolved.units();
   const ZnIndex length = resolved->length();
   ZnIndex written = 0;
   ZnIndex start = 0;

@@ -104,7 +104,10 @@ Zn::String* copyUnquotedText(const Expr* theExpr) {
 /// A place in the documentation, which no reader outside can follow.
 bool isPacletAddress(const Expr* theExpr) {
   Zn::String* text = stringText(theExpr);
-  return text && AtomText::isPacletAddress(text->getCharactersPtr(), text->length());
+  if (!text)
+    return false;
+  Zn::WideCharacters units(text);
+  return AtomText::isPacletAddress(units.data(), units.length());
 }
 
 /// +1. The web address among the arguments after the label: URL[...], a
@@ -338,8 +341,9 @@ void SearchIndexer::writeMessage(Expr* theArguments, const IndexContext& theCont
   plain.showStringCharacters = false;
   auto text = adopt(stringForBox(message, plain));
   auto filled = adopt(new Zn::MutableString(text->length() + 32));
-  const ZnUnichar* units = text->getCharactersPtr();
-  const ZnIndex length = text->length();
+  Zn::WideCharacters wide(text.get());
+  const ZnUnichar* units = wide.data();
+  const ZnIndex length = wide.length();
   for (ZnIndex i = 0; i < length; ++i) {
     ZnIndex end = i + 1;
     int32_t slot = 0;

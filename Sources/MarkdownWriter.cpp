@@ -419,10 +419,13 @@ void MarkdownWriter::emphasize(Mark theMark, const char* theDelimiter) {
   const bool beforeAllows = beforeKind == Kind::kSpace || beforeKind == Kind::kPunctuation;
   if (headIsPunctuation && !beforeAllows)
     return;
-  const ZnIndex length = ZnIndex(Zn::StringLength(theDelimiter));
-  auto delimiter = adopt(new Zn::String(theDelimiter));
-  text->insertCharacters(last + 1, delimiter->getCharactersPtr(), length);
-  text->insertCharacters(first, delimiter->getCharactersPtr(), length);
+  // A delimiter is a few asterisks.
+  ZnUnichar delimiter[4];
+  ZnIndex length = 0;
+  for (; length < 4 && theDelimiter[length]; ++length)
+    delimiter[length] = ZnUnichar(theDelimiter[length]);
+  text->insertCharacters(last + 1, delimiter, length);
+  text->insertCharacters(first, delimiter, length);
   // Where it ends with punctuation, the closing delimiter closes only before
   // white space or punctuation: the next character decides.
   const Kind tailKind = kindOf(tail);

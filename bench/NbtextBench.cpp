@@ -188,9 +188,10 @@ void EncodeHTML(benchmark::State& theState) {
   auto text = adopt(String::createWithData(output.data.get(), kStringEncodingUTF8));
   auto encoding = adopt(new HTMLEncoding());
   auto html = adopt(new MutableData());
+  WideCharacters units(text.get());
   for (auto _ : theState) {
     html->setLength(0);
-    encoding->encodeCharacters(text->getCharactersPtr(), text->length(), html.get(), true);
+    encoding->encodeCharacters(units.data(), units.length(), html.get(), true);
     benchmark::DoNotOptimize(html->getBytesPtr());
   }
   theState.SetBytesProcessed(theState.iterations() * int64_t(text->length()));

@@ -26,7 +26,8 @@ namespace {
 using Units = std::vector<ZnUnichar>;
 
 Units UnitsOf(const String* theString) {
-  return Units(theString->getCharactersPtr(), theString->getCharactersPtr() + theString->length());
+  WideCharacters units(theString);
+  return Units(units.data(), units.data() + units.length());
 }
 
 uint32_t FlagsFrom(uint8_t theByte) {

@@ -199,7 +199,8 @@ Units DecodeAtOnce(int theID, const uint8_t* theBytes, size_t theSize) {
   // goes where the reader sends it at the end of the stream.
   ZnIndex consumed = encoding->decodeBytes(theBytes, ZnIndex(theSize), text.get(), true);
   encoding->decodeLastBytes(theBytes + consumed, ZnIndex(theSize) - consumed, text.get());
-  return Units(text->getCharactersPtr(), text->getCharactersPtr() + text->length());
+  WideCharacters units(text.get());
+  return Units(units.data(), units.data() + units.length());
 }
 
 void CheckPosition(Reader* theReader, const ReaderModel& theModel) {

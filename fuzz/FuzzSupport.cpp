@@ -12,7 +12,7 @@ namespace {
 std::string Narrow(const Zn::String* theString) {
   std::string text;
   for (ZnIndex i = 0; i < theString->length(); ++i) {
-    ZnUnichar c = theString->getCharactersPtr()[i];
+    ZnUnichar c = theString->unitAt(i);
     text += c < 128 ? char(c) : '?';
   }
   return text;

@@ -181,7 +181,8 @@ void Encoding::setReplacement(ZnUnichar theCode, const char* theText) {
 
 bool Encoding::lookupNamedCharacter(const String* theName, ZnUnichar* theCode) {
   ZnAssert(theName != NULL, 0);
-  return lookupNamedCharacter(theName->getCharactersPtr(), theName->length(), theCode);
+  return theName->withCharacters(
+      [&](auto theUnits, ZnIndex theLength) { return lookupNamedCharacter(theUnits, theLength, theCode); });
 }
 
 bool Encoding::lookupNamedCharacter(const ZnUnichar* theName, ZnIndex theLength, ZnUnichar* theCode) {

@@ -27,19 +27,22 @@ void Function::initWithList(Expr* theHead, Expr* theFlatHead, Expr* const* theLi
   ZnIndex count = 0;
   for (Expr* const* e = theList; *e; ++e) {
     const Function* inner = theFlatHead ? (*e)->asFunction() : nullptr;
-    count += inner && Equal(inner->head(), theFlatHead) ? inner->length_ : 1;
+    count += inner && Equal(inner->head(), theFlatHead) ? inner->length() : 1;
   }
-  parts_ = AllocateParts(count + 1);
-  parts_[0] = Retained(theHead);
+  Expr** parts = AllocateParts(count + 1);
+  setBlock(parts);
+  parts[0] = Retained(theHead);
+  ZnIndex length = 0;
   for (Expr* const* e = theList; *e; ++e) {
     const Function* inner = theFlatHead ? (*e)->asFunction() : nullptr;
     if (inner && Equal(inner->head(), theFlatHead)) {
-      for (ZnIndex i = 1; i <= inner->length_; ++i)
-        parts_[++length_] = Retained(inner->parts_[i]);
+      for (ZnIndex i = 1; i <= inner->length(); ++i)
+        parts[++length] = Retained(inner->parts()[i]);
     } else {
-      parts_[++length_] = Retained(*e);
+      parts[++length] = Retained(*e);
     }
   }
+  length_ = uint32_t(length);
 }
 
 Function::Function(Flatten, Expr* theHead, Expr* theFlatHead, Expr* const* theList) {
@@ -49,48 +52,54 @@ Function::Function(Flatten, Expr* theHead, Expr* theFlatHead, Expr* const* theLi
 Function::Function(Expr** theParts, ZnIndex theLength, bool theRetain, bool theCopy) {
   ZnAssert(theLength >= 0, theLength);
   ZnAssert((theParts != NULL) || (theLength == 0), theLength);
+  Expr** parts = theParts;
   if (theCopy) {
     Sys::size_t size = Sys::size_t(theLength + 1) * sizeof(Expr*);
-    parts_ = AllocateParts(theLength + 1);
+    parts = AllocateParts(theLength + 1);
     if (theParts)
-      CopyMemory(theParts, parts_, size);
+      CopyMemory(theParts, parts, size);
     else
-      parts_[0] = nullptr;
-  } else {
-    parts_ = theParts;
+      parts[0] = nullptr;
   }
-  length_ = theLength;
-  if (theRetain && parts_)
-    for (ZnIndex i = 0; i <= length_; ++i)
-      Retained(parts_[i]);
+  setBlock(parts);
+  length_ = uint32_t(theLength);
+  if (theRetain && parts)
+    for (ZnIndex i = 0; i <= theLength; ++i)
+      Retained(parts[i]);
 }
 
 Function::Function(Expr* theHead, const Array* theArguments) {
   ZnIndex count = theArguments ? theArguments->getCount() : 0;
-  parts_ = AllocateParts(count + 1);
-  parts_[0] = Retained(theHead);
+  Expr** parts = AllocateParts(count + 1);
+  setBlock(parts);
+  parts[0] = Retained(theHead);
   for (ZnIndex i = 0; i < count; ++i) {
     Expr* e = dynamic_cast<Expr*>(theArguments->objectAtIndex(i));
     ZnAssert(e != NULL, i);
-    parts_[++length_] = Retained(e);
+    parts[i + 1] = Retained(e);
+    length_ = uint32_t(i + 1);
   }
 }
 
 Function* Function::allocate(ZnIndex theLength) {
+  // The slot ends the object: the parts start where it starts.
+  constexpr Sys::size_t kSlotOffset = sizeof(Function) - sizeof(Expr*);
   static_assert(sizeof(Function) % alignof(Expr*) == 0, "the parts follow the object");
   static_assert(sizeof(Function) == 3 * sizeof(void*) || sizeof(void*) == 4, "the count sits in Object's padding");
-  void* memory = AllocateObject(sizeof(Function) + Sys::size_t(theLength + 1) * sizeof(Expr*));
+  void* memory = AllocateObject(kSlotOffset + Sys::size_t(theLength + 1) * sizeof(Expr*));
   Function* function = ::new (memory) Function();
-  function->parts_ = function->inlineParts();
-  function->length_ = theLength;
+  ZnAssert(reinterpret_cast<char*>(function->slot_) == static_cast<char*>(memory) + kSlotOffset, 0);
+  function->hasBlock_ = 0;
+  function->length_ = uint32_t(theLength);
   return function;
 }
 
 Function* Function::createAdopting(Expr* theHead, Expr* const* theArguments, ZnIndex theLength) {
   Function* function = allocate(theLength);
-  function->parts_[0] = theHead;
+  Expr** parts = function->parts();
+  parts[0] = theHead;
   if (theLength > 0)
-    CopyMemory(theArguments, function->parts_ + 1, Sys::size_t(theLength) * sizeof(Expr*));
+    CopyMemory(theArguments, parts + 1, Sys::size_t(theLength) * sizeof(Expr*));
   return function;
 }
 
@@ -111,20 +120,22 @@ void Function::releaseParts() {
   ExprStack<Function*> dying;
   Function* function = this;
   for (;;) {
-    if (function->parts_) {
-      for (ZnIndex i = 0; i <= function->length_; ++i) {
-        Expr* part = function->parts_[i];
+    if (Expr** parts = function->parts()) {
+      for (ZnIndex i = 0; i <= function->length(); ++i) {
+        Expr* part = parts[i];
         if (!part)
           continue;
         const Function* inner = part->asFunction();
-        if (inner && inner->parts_ && part->getRetainCount() == 1)
+        if (inner && inner->parts() && part->getRetainCount() == 1)
           dying.push(const_cast<Function*>(inner));
         else
           part->release();
       }
-      if (function->parts_ != function->inlineParts())
-        Free(function->parts_);
-      function->parts_ = nullptr;
+      if (function->hasBlock_)
+        Free(parts);
+      // Released: no parts, as for a function that never had any.
+      function->hasBlock_ = 1;
+      function->setBlock(nullptr);
       function->length_ = 0;
     }
     if (function != this)
@@ -138,15 +149,16 @@ void Function::releaseParts() {
 //===--- Access ----------------------------------------------------------------===//
 
 Expr* Function::part(ZnIndex thePart) const {
-  if (thePart > length_)
+  if (thePart > length())
     return nullptr;
   if (thePart <= 0)
     return thePart == 0 ? head() : nullptr;
-  return parts_[thePart];
+  return parts()[thePart];
 }
 
 Expr* Function::head() const {
-  Expr* head = parts_ ? parts_[0] : nullptr;
+  Expr** parts = this->parts();
+  Expr* head = parts ? parts[0] : nullptr;
   // A bare argument list reads as a sequence.
   return head ? head : HeadSymbol(Head::Sequence);
 }
@@ -171,8 +183,8 @@ uint32_t Function::hash() const {
   ExprStack<const Function*> pending;
   const Function* function = this;
   for (;;) {
-    for (ZnIndex i = 0; i <= function->length_; ++i) {
-      const Expr* part = i == 0 ? function->head() : function->parts_[i];
+    for (ZnIndex i = 0; i <= function->length(); ++i) {
+      const Expr* part = i == 0 ? function->head() : function->parts()[i];
       if (!part)
         continue;
       if (const Function* inner = part->asFunction())
@@ -187,9 +199,10 @@ uint32_t Function::hash() const {
 }
 
 Object* Function::mutableCopy() const {
-  MutableFunction* copy = new MutableFunction(2, parts_ ? parts_[0] : nullptr);
-  for (ZnIndex i = 1; i <= length_; ++i)
-    copy->appendArgument(parts_[i], true);
+  Expr** parts = this->parts();
+  MutableFunction* copy = new MutableFunction(2, parts ? parts[0] : nullptr);
+  for (ZnIndex i = 1; i <= length(); ++i)
+    copy->appendArgument(parts[i], true);
   return copy;
 }
 
@@ -210,35 +223,38 @@ void MutableFunction::ensureCapacity(ZnIndex theSlots) {
   ZnIndex capacity = capacity_ == 0 ? 1 : capacity_;
   while (capacity < theSlots)
     capacity *= 2;
-  parts_ = static_cast<Expr**>(Reallocate(parts_, Sys::size_t(capacity) * sizeof(Expr*)));
+  Expr** parts = static_cast<Expr**>(Reallocate(block(), Sys::size_t(capacity) * sizeof(Expr*)));
+  setBlock(parts);
   if (capacity_ == 0)
-    parts_[0] = nullptr;
+    parts[0] = nullptr;
   capacity_ = capacity;
 }
 
 void MutableFunction::setHead(Expr* theHead, bool theRetain) {
   ensureCapacity(1);
-  Expr* old = parts_[0];
-  parts_[0] = theRetain ? Retained(theHead) : theHead;
+  Expr* old = parts()[0];
+  parts()[0] = theRetain ? Retained(theHead) : theHead;
   if (old)
     old->release();
 }
 
 void MutableFunction::appendArgument(Expr* theArgument, bool theRetain) {
-  ensureCapacity(length_ + 2);
-  parts_[++length_] = theRetain ? Retained(theArgument) : theArgument;
+  ensureCapacity(length() + 2);
+  parts()[length() + 1] = theRetain ? Retained(theArgument) : theArgument;
+  length_ = length_ + 1;
 }
 
 void MutableFunction::insertArgument(Expr* theArgument, ZnIndex theIndex, bool theRetain) {
   ZnAssert(theIndex <= length_, theIndex);
   ZnAssert(theIndex >= 0, theIndex);
-  ensureCapacity(length_ + 2);
-  MoveMemory(parts_ + 1 + theIndex, parts_ + 2 + theIndex, Sys::size_t(length_ - theIndex) * sizeof(Expr*));
-  parts_[1 + theIndex] = theRetain ? Retained(theArgument) : theArgument;
-  ++length_;
+  ensureCapacity(length() + 2);
+  Expr** parts = this->parts();
+  MoveMemory(parts + 1 + theIndex, parts + 2 + theIndex, Sys::size_t(length() - theIndex) * sizeof(Expr*));
+  parts[1 + theIndex] = theRetain ? Retained(theArgument) : theArgument;
+  length_ = length_ + 1;
 }
 
-Object* MutableFunction::copy() const { return new Function(parts_, length_, true, true); }
+Object* MutableFunction::copy() const { return new Function(parts(), length(), true, true); }
 
 const char* MutableFunction::className() const { return "MutableFunction"; }
 const char* MutableFunction::superclassName() const { return "Function"; }

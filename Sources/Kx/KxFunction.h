@@ -49,8 +49,9 @@ public:
   template <ExprPointer... Args> static Function* create(Expr* theHead, Args... theArguments) {
     Expr* parts[] = {theHead, static_cast<Expr*>(theArguments)...};
     Function* function = allocate(sizeof...(Args));
+    Expr** slots = function->parts();
     for (ZnIndex i = 0; i <= ZnIndex(sizeof...(Args)); ++i)
-      function->parts_[i] = parts[i] ? static_cast<Expr*>(parts[i]->retain()) : nullptr;
+      slots[i] = parts[i] ? static_cast<Expr*>(parts[i]->retain()) : nullptr;
     return function;
   }
   /// +1. The same from theHead (taken over) and theLength arguments at
@@ -60,7 +61,7 @@ public:
   /// Full form, or input form driven by the operator table.
   void writeInputForm(Writer* theWriter, const FormatContext* theContext) const override;
   void writeFullForm(Writer* theWriter) const override;
-  ZnIndex length() const override { return length_; }
+  ZnIndex length() const override { return ZnIndex(length_); }
   /// Borrowed. Part 0 is head(); an index below 0 or past length() gives null.
   Expr* part(ZnIndex thePart) const override;
   Expr* head() const override;
@@ -78,19 +79,33 @@ protected:
   Function() = default;
   ~Function() override;
 
-  // The count first: it fills the four bytes that Object leaves after its
-  // count on 64-bit targets, so a node is 8 bytes smaller there.
-  ZnIndex length_ = 0;
-  Expr** parts_ = nullptr;
+  // The count and the flag first: they fill the four bytes that Object
+  // leaves after its count on 64-bit targets, so a node is 8 bytes smaller
+  // there.
+  uint32_t length_ : 31 = 0;
+  /// Whether the parts lie in a block of their own, whose address the slot
+  /// holds (null for none). Otherwise the parts start at the slot itself and
+  /// run on past the object, in the same allocation: a node made by
+  /// create() needs no pointer to its parts.
+  uint32_t hasBlock_ : 1 = 1;
+  alignas(Expr*) unsigned char slot_[sizeof(Expr*)] = {};
+
+  /// Borrowed: head, then the arguments; null when a function has none.
+  Expr** parts() const {
+    return hasBlock_ ? block() : reinterpret_cast<Expr**>(const_cast<unsigned char*>(slot_));
+  }
+  Expr** block() const {
+    Expr** block;
+    __builtin_memcpy(&block, slot_, sizeof block);
+    return block;
+  }
+  void setBlock(Expr** theBlock) { __builtin_memcpy(slot_, &theBlock, sizeof theBlock); }
 
 private:
   struct Flatten {};
-  /// A function of theLength arguments whose parts (uninitialised) follow
-  /// the object in the same block.
+  /// A function of theLength arguments whose parts (uninitialised) start at
+  /// the slot, in the same block as the object.
   static Function* allocate(ZnIndex theLength);
-  Expr** inlineParts() const {
-    return reinterpret_cast<Expr**>(const_cast<char*>(reinterpret_cast<const char*>(this) + sizeof(Function)));
-  }
   /// theList ends at its first null; with theFlatHead set, arguments with
   /// that head are spliced in.
   Function(Flatten, Expr* theHead, Expr* theFlatHead, Expr* const* theList);

@@ -2,6 +2,7 @@
 #include "Kx/KxLexer.h"
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <utility>
 #include "Kx/KxEscape.h"
 #include "Kx/KxExprParser.h"
@@ -62,9 +63,7 @@ bool EndsOperand(int32_t theToken) {
 }
 
 /// +1. A string holding the units of theText.
-String* CopyText(const MutableString* theText) {
-  return String::createWithCharacters(theText->getCharactersPtr(), theText->length());
-}
+String* CopyText(const MutableString* theText) { return String::createWithString(theText); }
 
 ParseValue Atom(Expr* theExpr) { return {theExpr, 0}; }
 
@@ -76,32 +75,25 @@ constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
 
 //===--- Shared atoms -----------------------------------------------------------===//
 
-AtomTable::~AtomTable() {
+template <class EntryT> AtomTable::Slots<EntryT>::~Slots() {
   for (ZnIndex i = 0; i < capacity_; ++i)
     if (slots_[i].atom)
       slots_[i].atom->release();
   Free(slots_);
-  for (Expr* integer : integers_)
-    if (integer)
-      integer->release();
 }
 
-Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
-  const ZnUnichar* text = theText->getCharactersPtr();
-  ZnIndex length = theText->length();
-  uint32_t hash = 2166136261u;
-  for (ZnIndex i = 0; i < length; ++i)
-    hash = (hash ^ text[i]) * 16777619u;
-  hash ^= theIsSymbol ? 1 : 0;
+template <class EntryT>
+template <class Matches>
+EntryT* AtomTable::Slots<EntryT>::find(uint32_t theHash, Matches theMatches) {
   if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
     // Rehash into twice the room. A small start: the parsers that the walk
     // makes for box groups in strings read a few atoms each.
     ZnIndex capacity = capacity_ == 0 ? 64 : capacity_ * 2;
-    auto* slots = static_cast<Entry*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(Entry)));
+    auto* slots = static_cast<EntryT*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(EntryT)));
     for (ZnIndex i = 0; i < capacity_; ++i) {
       if (!slots_[i].atom)
         continue;
-      ZnIndex j = ZnIndex(slots_[i].hash & uint32_t(capacity - 1));
+      ZnIndex j = ZnIndex(slots_[i].hashValue() & uint32_t(capacity - 1));
       while (slots[j].atom)
         j = (j + 1) & (capacity - 1);
       slots[j] = slots_[i];
@@ -110,24 +102,40 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
     slots_ = slots;
     capacity_ = capacity;
   }
-  ZnIndex j = ZnIndex(hash & uint32_t(capacity_ - 1));
-  for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1)) {
-    const Entry& entry = slots_[j];
-    if (entry.hash != hash || entry.length != length || entry.isSymbol != theIsSymbol)
-      continue;
-    ZnIndex i = 0;
-    while (i < length && entry.text[i] == text[i]) // short texts: no call
-      ++i;
-    if (i == length)
-      return retained(entry.atom).leak();
-  }
-  auto characters = adopt(String::createWithCharacters(text, length));
+  ZnIndex j = ZnIndex(theHash & uint32_t(capacity_ - 1));
+  for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1))
+    if (theMatches(slots_[j]))
+      break;
+  return &slots_[j];
+}
+
+template <class EntryT> void AtomTable::Slots<EntryT>::insert(EntryT* theSlot, const EntryT& theEntry) {
+  if (count_ >= kMaximumEntries || count_ * 2 >= capacity_)
+    return;
+  *theSlot = theEntry;
+  theSlot->atom->retain();
+  ++count_;
+}
+
+Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
+  const ZnIndex length = theText->length();
+  uint32_t hash = theText->withCharacters([](auto theUnits, ZnIndex theLength) {
+    uint32_t h = 2166136261u;
+    for (ZnIndex i = 0; i < theLength; ++i)
+      h = (h ^ theUnits[i]) * 16777619u;
+    return h;
+  });
+  hash ^= theIsSymbol ? 1 : 0;
+  Entry* slot = texts_.find(hash, [&](const Entry& theEntry) {
+    return theEntry.hash == hash && theEntry.length == length && theEntry.isSymbol == theIsSymbol &&
+           theEntry.text->isEqual(theText);
+  });
+  if (slot->atom)
+    return retained(slot->atom).leak();
+  auto characters = adopt(String::createWithString(theText));
   Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
                            : static_cast<Expr*>(new CharacterString(characters.get(), true));
-  if (count_ < kMaximumEntries && count_ * 2 < capacity_) {
-    slots_[j] = {retained(atom).leak(), characters->getCharactersPtr(), length, hash, theIsSymbol};
-    ++count_;
-  }
+  texts_.insert(slot, {atom, characters.get(), length, hash, theIsSymbol});
   return atom;
 }
 
@@ -139,6 +147,12 @@ Expr* AtomTable::string(const MutableString* theText) {
   return find(theText, false);
 }
 
+AtomTable::~AtomTable() {
+  for (Expr* integer : integers_)
+    if (integer)
+      integer->release();
+}
+
 Expr* AtomTable::integer(int32_t theValue) {
   if (theValue < 0 || theValue >= kSmallIntegers)
     return new MachineInteger(theValue);
@@ -146,6 +160,20 @@ Expr* AtomTable::integer(int32_t theValue) {
   if (!shared)
     shared = new MachineInteger(theValue);
   return retained(shared).leak();
+}
+
+/// Spreads the bits of a double, whose low bits are mostly zero, over a hash.
+uint32_t AtomTable::RealEntry::hashValue() const { return uint32_t((bits * 0x9E3779B97F4A7C15u) >> 32); }
+
+Expr* AtomTable::real(double theValue) {
+  RealEntry entry = {nullptr, 0};
+  std::memcpy(&entry.bits, &theValue, sizeof entry.bits);
+  RealEntry* slot = reals_.find(entry.hashValue(), [&](const RealEntry& theEntry) { return theEntry.bits == entry.bits; });
+  if (slot->atom)
+    return retained(slot->atom).leak();
+  entry.atom = new MachineReal(theValue);
+  reals_.insert(slot, entry);
+  return entry.atom;
 }
 
 //===--- The lexer --------------------------------------------------------------===//
@@ -648,7 +676,7 @@ double RealValue(const NumberDigits& theDigits, int32_t theExponent, const Mutab
   ZnIndex length = theText->length();
   char* buffer = static_cast<char*>(Allocate(Sys::size_t(length) + 16));
   for (ZnIndex i = 0; i < length; ++i)
-    buffer[i] = char(theText->getCharactersPtr()[i]);
+    buffer[i] = char(theText->unitAt(i));
   int written = StringFormat(buffer + length, 16, "e%d", theExponent);
   double result = 0.0;
   std::from_chars(buffer, buffer + length + written, result);
@@ -759,7 +787,7 @@ int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
   if (more)
     unget(c);
   if (isReal) {
-    theValue->expr = new MachineReal(RealValue(digits, exponent, text_.get()));
+    theValue->expr = parser_->getAtoms()->real(RealValue(digits, exponent, text_.get()));
     return KxMachineReal;
   }
   if (digits.tooLarge) {
@@ -768,7 +796,7 @@ int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
     if (digits.base != 10)
       written->appendFormat("%d^^", int(digits.base));
     written->appendString(text_.get());
-    auto frozen = adopt(String::createWithCharacters(written->getCharactersPtr(), written->length()));
+    auto frozen = adopt(String::createWithString(written.get()));
     theValue->expr = new BigInteger(frozen.get(), RealValue(digits, 0, text_.get()));
     return KxMachineInteger;
   }

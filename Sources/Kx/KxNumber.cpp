@@ -129,7 +129,7 @@ template <class Family> int32_t BigNumber<Family>::integerValue() const {
 template <class Family> double BigNumber<Family>::doubleValue() const { return approximation_; }
 
 template <class Family> void BigNumber<Family>::writeFullForm(Writer* theWriter) const {
-  theWriter->writeCharacters(digits_->getCharactersPtr(), digits_->length());
+  theWriter->writeString(digits_.get());
 }
 
 template <class Family> String* BigNumber<Family>::description() const { return retained(digits_.get()).leak(); }

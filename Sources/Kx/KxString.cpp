@@ -33,12 +33,12 @@ void CharacterString::writeInputForm(Writer* theWriter, const FormatContext* the
     writeFullForm(theWriter);
     return;
   }
-  theWriter->writeCharacters(value_->getCharactersPtr(), value_->length());
+  theWriter->writeString(value_.get());
 }
 
 void CharacterString::writeFullForm(Writer* theWriter) const {
   WriteASCII(theWriter, "\"");
-  theWriter->writeCharacters(value_->getCharactersPtr(), value_->length());
+  theWriter->writeString(value_.get());
   WriteASCII(theWriter, "\"");
 }
 
@@ -66,7 +66,7 @@ void ByteString::writeFullForm(Writer* theWriter) const {
   WriteASCII(theWriter, "\"");
   if (data_) {
     auto text = adopt(data_->description());
-    theWriter->writeCharacters(text->getCharactersPtr(), text->length());
+    theWriter->writeString(text.get());
   }
   WriteASCII(theWriter, "\"");
 }

@@ -22,20 +22,19 @@ Symbol::Symbol(const char* theASCIIName) {
 Symbol::~Symbol() = default;
 
 ZnIndex Symbol::strippedStart() const {
-  const ZnUnichar* units = name_->getCharactersPtr();
   for (ZnIndex i = name_->length() - 1; i >= 0; --i)
-    if (units[i] == '`')
+    if (name_->unitAt(i) == '`')
       return i + 1 < name_->length() ? i + 1 : 0;
   return 0;
 }
 
 void Symbol::writeInputForm(Writer* theWriter, const FormatContext* theContext) const {
   ZnIndex start = theContext->stripContexts ? strippedStart() : 0;
-  theWriter->writeCharacters(name_->getCharactersPtr() + start, name_->length() - start);
+  theWriter->writeString(name_.get(), start);
 }
 
 void Symbol::writeFullForm(Writer* theWriter) const {
-  theWriter->writeCharacters(name_->getCharactersPtr(), name_->length());
+  theWriter->writeString(name_.get());
 }
 
 Expr* Symbol::head() const { return HeadSymbol(Head::Symbol); }

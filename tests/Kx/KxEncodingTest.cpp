@@ -13,7 +13,8 @@ namespace {
 class EncodingTest : public ZnTest::LeakCheckedTest {};
 
 std::u16string Units(const String* theString) {
-  return std::u16string(reinterpret_cast<const char16_t*>(theString->getCharactersPtr()), size_t(theString->length()));
+  WideCharacters units(theString);
+  return std::u16string(reinterpret_cast<const char16_t*>(units.data()), size_t(units.length()));
 }
 
 const ZnUnichar* Ptr(const std::u16string& theUnits) { return reinterpret_cast<const ZnUnichar*>(theUnits.data()); }

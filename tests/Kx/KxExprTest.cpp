@@ -81,6 +81,28 @@ TEST_F(ExprTest, FunctionsInOneBlockReadLikeAnyOther) {
   EXPECT_EQ(made->getRetainCount(), 2);
   adopted = nullptr;
   EXPECT_EQ(made->getRetainCount(), 1);
+  auto bare = adopt<Expr>(Function::create(f.get()));
+  EXPECT_EQ(FullForm(bare.get()), "f[]");
+  EXPECT_EQ(bare->part(1), nullptr);
+}
+
+// The parts start where the pointer to a separate block would lie: a node
+// of n arguments takes the header and n + 1 pointers, nothing more.
+TEST_F(ExprTest, FunctionsInOneBlockTakeNoPointerToTheirParts) {
+  auto f = Sym("f"), x = Sym("x");
+  for (int arguments = 0; arguments <= 2; ++arguments) {
+    uint64_t before = GetTotalAllocated();
+    auto made = adopt<Expr>(arguments == 0   ? Function::create(f.get())
+                            : arguments == 1 ? Function::create(f.get(), x.get())
+                                             : Function::create(f.get(), x.get(), x.get()));
+    EXPECT_EQ(GetTotalAllocated() - before, sizeof(Function) + arguments * sizeof(Expr*)) << arguments;
+  }
+  // A long chain of such nodes dies without one C++ frame per level.
+  auto minus = retained<Expr>(HeadSymbol(Head::Minus));
+  auto chain = Sym("x");
+  for (ZnIndex i = 0; i < 200000; ++i)
+    chain = adopt<Expr>(Function::create(minus.get(), chain.get()));
+  EXPECT_EQ(chain->part(1)->part(1)->getRetainCount(), 1);
 }
 
 TEST_F(ExprTest, NegatedFlipsSignsAndWrapsOtherExpressionsInMinus) {

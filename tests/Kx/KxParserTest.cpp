@@ -360,3 +360,18 @@ TEST_F(ExprParserTest, TheFirstErrorIsKeptAndOnlySubParseWarningsAreReported) {
     }
   }
 }
+
+// Equal reals of one parse are one atom, as names and short strings are;
+// values that differ in any bit stay apart, and each prints as written.
+TEST_F(ExprParserTest, EqualRealsOfAParseAreOneAtom) {
+  auto e = adopt(ParseText("{0.5, 1.25, 0.5, 0.50, 5.*^-1, 0.25, 0., -0.5}"));
+  ASSERT_TRUE(e.get());
+  EXPECT_EQ(e->part(1), e->part(3));
+  EXPECT_EQ(e->part(1), e->part(4));
+  EXPECT_EQ(e->part(1), e->part(5));
+  EXPECT_NE(e->part(1), e->part(2));
+  EXPECT_NE(e->part(1), e->part(6));
+  EXPECT_NE(e->part(7), e->part(8));
+  EXPECT_EQ(e->part(1)->getRetainCount(), 4);  // the table went with its parser
+  EXPECT_EQ(FullForm(e.get()), Parse("{0.5, 1.25, 0.5, 0.5, 0.5, 0.25, 0., -0.5}"));
+}

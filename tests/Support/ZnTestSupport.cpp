@@ -12,7 +12,8 @@ std::string Utf8(const Zn::String* theString) {
   std::string out;
   if (!theString)
     return "(null)";
-  const ZnUnichar* u = theString->getCharactersPtr();
+  Zn::WideCharacters units(theString);
+  const ZnUnichar* u = units.data();
   for (ZnIndex i = 0; i < theString->length(); ++i) {
     uint32_t c = u[i];
     if (c >= 0xD800 && c < 0xDC00 && i + 1 < theString->length() && u[i + 1] >= 0xDC00 && u[i + 1] < 0xE000)

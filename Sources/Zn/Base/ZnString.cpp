@@ -18,47 +18,121 @@ static inline ZnUnichar FoldCase(ZnUnichar theCharacter) {
   return (theCharacter >= 'A' && theCharacter <= 'Z') ? ZnUnichar(theCharacter + 32) : theCharacter;
 }
 
+namespace {
+/// Whether every unit fits in one byte.
+bool AllNarrow(const ZnUnichar* theCharacters, ZnIndex theLength) {
+  ZnUnichar any = 0;
+  for (ZnIndex i = 0; i < theLength; ++i)
+    any |= theCharacters[i];
+  return any <= 0xFF;
+}
+bool AllNarrow(const uint8_t*, ZnIndex) { return true; }
+
+/// Copies theLength units from one form to another (one that can hold them).
+template <class To, class From> void CopyUnits(const From* theFrom, To* theTo, ZnIndex theLength) {
+  if constexpr (sizeof(To) == sizeof(From)) {
+    if (theLength > 0)
+      CopyMemory(theFrom, theTo, Sys::size_t(theLength) * sizeof(To));
+  } else {
+    for (ZnIndex i = 0; i < theLength; ++i)
+      theTo[i] = To(theFrom[i]);
+  }
+}
+
+/// The hash of the units as the bytes of 16-bit units in memory would give
+/// it: each four bytes XORed in as a little-endian word, a last lone unit
+/// byte by byte. A one-byte string hashes as its widened copy does.
+template <class CharT> uint32_t HashUnits(const CharT* theCharacters, ZnIndex theLength) {
+  uint32_t hash = 0;
+  ZnIndex i = 0;
+  for (; i + 2 <= theLength; i += 2)
+    hash ^= uint32_t(theCharacters[i]) | uint32_t(theCharacters[i + 1]) << 16;
+  if (i < theLength)
+    hash ^= (uint32_t(theCharacters[i]) & 0xFF) ^ (uint32_t(theCharacters[i]) >> 8);
+  return hash;
+}
+
+/// Compares two units as a comparison of their bytes in memory would, low
+/// byte first on this little-endian layout.
+int CompareUnitBytes(ZnUnichar theLeft, ZnUnichar theRight) {
+  const int lowLeft = theLeft & 0xFF, lowRight = theRight & 0xFF;
+  if (lowLeft != lowRight)
+    return lowLeft - lowRight;
+  return (theLeft >> 8) - (theRight >> 8);
+}
+} // namespace
+
 //===--- String --------------------------------------------------------------===//
+
+template <class CharT> void String::initWithCharacters(const CharT* theCharacters, ZnIndex theLength) {
+  if (theLength <= 0)
+    return;
+  const bool isWide = !AllNarrow(theCharacters, theLength);
+  characters_ = Allocate(Sys::size_t(theLength) * (isWide ? 2 : 1));
+  if (isWide)
+    CopyUnits(theCharacters, wide(), theLength);
+  else
+    CopyUnits(theCharacters, narrow(), theLength);
+  isWide_ = isWide;
+  length_ = uint32_t(theLength);
+}
 
 String::String(const char* theString, ZnIndex theLength) {
   ZnAssert(theString != NULL, 0);
   if (theLength < 0)
     theLength = ZnIndex(StringLength(theString));
-  if (theLength == 0)
-    return;
-  characters_ = static_cast<ZnUnichar*>(Allocate(Sys::size_t(theLength) * 2));
-  const uint8_t* bytes = reinterpret_cast<const uint8_t*>(theString);
-  for (ZnIndex i = 0; i < theLength; ++i)
-    characters_[i] = bytes[i];
-  length_ = theLength;
+  initWithCharacters(reinterpret_cast<const uint8_t*>(theString), theLength);
 }
 
 String::String(const ZnUnichar* theCharacters, ZnIndex theLength) {
   ZnAssert((theCharacters != NULL) || (theLength == 0), 0);
-  if (theLength <= 0)
-    return;
-  characters_ = static_cast<ZnUnichar*>(Allocate(Sys::size_t(theLength) * 2));
-  CopyMemory(theCharacters, characters_, Sys::size_t(theLength) * 2);
-  length_ = theLength;
+  initWithCharacters(theCharacters, theLength);
 }
 
-String* String::createWithCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
+template <class CharT> String* String::createInline(const CharT* theCharacters, ZnIndex theLength) {
   ZnAssert((theCharacters != NULL) || (theLength == 0), 0);
   static_assert(sizeof(String) % alignof(ZnUnichar) == 0, "the characters follow the object");
   static_assert(sizeof(String) == 3 * sizeof(void*) || sizeof(void*) == 4, "the length sits in Object's padding");
   if (theLength <= 0)
     return new String();
-  void* memory = AllocateObject(sizeof(String) + Sys::size_t(theLength) * 2);
+  const bool isWide = !AllNarrow(theCharacters, theLength);
+  void* memory = AllocateObject(sizeof(String) + Sys::size_t(theLength) * (isWide ? 2 : 1));
   String* string = ::new (memory) String();
   string->characters_ = string->inlineCharacters();
-  string->length_ = theLength;
-  CopyMemory(theCharacters, string->characters_, Sys::size_t(theLength) * 2);
+  string->length_ = uint32_t(theLength);
+  string->isWide_ = isWide;
+  if (isWide)
+    CopyUnits(theCharacters, string->wide(), theLength);
+  else
+    CopyUnits(theCharacters, string->narrow(), theLength);
   return string;
+}
+
+String* String::createWithCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
+  return createInline(theCharacters, theLength);
+}
+
+String* String::createWithString(const String* theString) {
+  ZnAssert(theString != NULL, 0);
+  return theString->withCharacters([](auto theUnits, ZnIndex theLength) { return createInline(theUnits, theLength); });
 }
 
 String::~String() {
   if (characters_ != inlineCharacters())
     Free(characters_);
+}
+
+void String::widenInto(ZnIndex theCapacity) {
+  ZnAssert(theCapacity >= length(), theCapacity);
+  auto* units = static_cast<ZnUnichar*>(Allocate(Sys::size_t(theCapacity > 0 ? theCapacity : 1) * 2));
+  if (isWide_)
+    CopyUnits(wide(), units, length());
+  else
+    CopyUnits(narrow(), units, length());
+  if (characters_ != inlineCharacters())
+    Free(characters_);
+  characters_ = units;
+  isWide_ = true;
 }
 
 //===--- Conversion with encodings -------------------------------------------===//
@@ -96,7 +170,9 @@ String* String::createWithData(const Data* theData, int theEncodingID) {
 
 MutableData* String::createData(StringEncoding* theEncoding) const {
   ZnAssert(theEncoding != NULL, 0);
-  return StringEncoding::dataFromCharacters(theEncoding, characters_, length_);
+  return withCharacters([&](auto theUnits, ZnIndex theLength) {
+    return StringEncoding::dataFromCharacters(theEncoding, theUnits, theLength);
+  });
 }
 
 MutableData* String::createData(int theEncodingID) const {
@@ -113,35 +189,40 @@ MutableData* String::createTerminatedData(int theEncodingID) const {
 
 ZnUnichar String::characterAtIndex(ZnIndex theIndex) const {
   ZnAssert((theIndex >= 0) && (theIndex < length_), theIndex);
-  return characters_[theIndex];
+  return unitAt(theIndex);
 }
 
 void String::getCharacters(ZnUnichar* theBuffer, Range theRange) const {
   ZnAssert((theRange.location + theRange.length) <= length_, theRange.location);
-  CopyMemory(characters_ + theRange.location, theBuffer, Sys::size_t(theRange.length) * 2);
+  withCharacters([&](auto theUnits, ZnIndex) { CopyUnits(theUnits + theRange.location, theBuffer, theRange.length); });
 }
 
 String* String::substringWithRange(Range theRange) const {
   ZnAssert((theRange.location + theRange.length) <= length_, theRange.location);
-  return new String(characters_ + theRange.location, theRange.length);
+  return withCharacters([&](auto theUnits, ZnIndex) {
+    auto* string = new String();
+    string->initWithCharacters(theUnits + theRange.location, theRange.length);
+    return string;
+  });
 }
 
 String* String::substringFromIndex(ZnIndex theIndex) const {
   ZnAssert(theIndex <= length_, theIndex);
-  return new String(characters_ + theIndex, length_ - theIndex);
+  return substringWithRange(Range(theIndex, length() - theIndex));
 }
 
 String* String::substringToIndex(ZnIndex theIndex) const {
   ZnAssert((theIndex + 1) < length_, theIndex);
-  return new String(characters_, theIndex + 1);
+  return substringWithRange(Range(0, theIndex + 1));
 }
 
 int32_t String::compareToCString(const char* theCString, bool theCaseSensitive) const {
   ZnAssert(theCString != NULL, 0);
   const uint8_t* bytes = reinterpret_cast<const uint8_t*>(theCString);
+  const ZnIndex length = this->length();
   ZnIndex i = 0;
-  for (; i < length_ && bytes[i]; ++i) {
-    ZnUnichar a = characters_[i], b = bytes[i];
+  for (; i < length && bytes[i]; ++i) {
+    ZnUnichar a = unitAt(i), b = bytes[i];
     if (!theCaseSensitive) {
       a = FoldCase(a);
       b = FoldCase(b);
@@ -149,27 +230,33 @@ int32_t String::compareToCString(const char* theCString, bool theCaseSensitive) 
     if (a != b)
       return a < b ? -1 : 1;
   }
-  if (i < length_)
+  if (i < length)
     return 1;
   return bytes[i] ? -1 : 0;
 }
 
 String* String::lowercaseString() const {
+  const ZnIndex length = this->length();
   ZnIndex i = 0;
-  while (i < length_ && !(characters_[i] >= 'A' && characters_[i] <= 'Z'))
+  while (i < length && !(unitAt(i) >= 'A' && unitAt(i) <= 'Z'))
     ++i;
-  if (i == length_)
+  if (i == length)
     return static_cast<String*>(retain());
-  String* lowered = new String(characters_, length_);
-  for (; i < length_; ++i)
-    lowered->characters_[i] = FoldCase(characters_[i]);
+  String* lowered = substringWithRange(Range(0, length));
+  for (; i < length; ++i) {
+    if (lowered->isWide_)
+      lowered->wide()[i] = FoldCase(lowered->wide()[i]);
+    else
+      lowered->narrow()[i] = uint8_t(FoldCase(lowered->narrow()[i]));
+  }
   return lowered;
 }
 
 bool String::doubleValue(double* theResult, int theBase) const {
   ZnAssert(theBase >= 2, theBase);
   ZnAssert(theBase <= 36, theBase);
-  if (length_ == 0)
+  const ZnIndex length = this->length();
+  if (length == 0)
     return false;
   if (compareToCString("true", false) == 0 || compareToCString("yes", false) == 0) {
     *theResult = 1.0;
@@ -181,44 +268,44 @@ bool String::doubleValue(double* theResult, int theBase) const {
   }
   ZnIndex i = 0;
   // Anything that cannot start a number is skipped: units, spaces, brackets.
-  while (i < length_) {
-    ZnUnichar c = characters_[i];
+  while (i < length) {
+    ZnUnichar c = unitAt(i);
     if (DigitValue(c) < theBase || c == '+' || c == '-' || c == '.')
       break;
     ++i;
   }
-  if (i == length_)
+  if (i == length)
     return false;
   bool negative = false;
-  if (characters_[i] == '+' || characters_[i] == '-') {
-    negative = characters_[i] == '-';
-    if (++i == length_)
+  if (unitAt(i) == '+' || unitAt(i) == '-') {
+    negative = unitAt(i) == '-';
+    if (++i == length)
       return false;
   }
   double value = 0.0;
   int digit;
-  while (i < length_ && (digit = DigitValue(characters_[i])) < theBase) {
+  while (i < length && (digit = DigitValue(unitAt(i))) < theBase) {
     value = value * theBase + digit;
     ++i;
   }
   // An exponent is only recognised after a decimal point.
-  if (i + 1 < length_ && characters_[i] == '.') {
+  if (i + 1 < length && unitAt(i) == '.') {
     ++i;
     double scale = 1.0;
-    while (i < length_ && (digit = DigitValue(characters_[i])) < theBase) {
+    while (i < length && (digit = DigitValue(unitAt(i))) < theBase) {
       scale /= theBase;
       value += digit * scale;
       ++i;
     }
-    if (i + 1 < length_ && (characters_[i] == 'e' || characters_[i] == 'E')) {
+    if (i + 1 < length && (unitAt(i) == 'e' || unitAt(i) == 'E')) {
       ++i;
       bool negativeExponent = false;
-      if (characters_[i] == '-') {
+      if (unitAt(i) == '-') {
         negativeExponent = true;
         ++i;
       }
       double exponent = 0.0;
-      while (i < length_ && (digit = DigitValue(characters_[i])) < theBase) {
+      while (i < length && (digit = DigitValue(unitAt(i))) < theBase) {
         exponent = exponent * theBase + digit;
         ++i;
       }
@@ -230,9 +317,9 @@ bool String::doubleValue(double* theResult, int theBase) const {
 }
 
 // Finds theLength units (bytes or units) at or after theFromIndex.
-template <class CharT>
-static ZnIndex IndexOf(const ZnUnichar* theText, ZnIndex theTextLength, const CharT* theSearch,
-                       ZnIndex theSearchLength, bool theCaseSensitive, ZnIndex theFromIndex) {
+template <class TextT, class CharT>
+static ZnIndex IndexOf(const TextT* theText, ZnIndex theTextLength, const CharT* theSearch, ZnIndex theSearchLength,
+                       bool theCaseSensitive, ZnIndex theFromIndex) {
   if (theFromIndex < 0)
     theFromIndex = 0;
   if (theFromIndex > theTextLength - theSearchLength)
@@ -242,7 +329,7 @@ static ZnIndex IndexOf(const ZnUnichar* theText, ZnIndex theTextLength, const Ch
   for (ZnIndex start = theFromIndex; start <= theTextLength - theSearchLength; ++start) {
     ZnIndex k = 0;
     for (; k < theSearchLength; ++k) {
-      ZnUnichar a = theText[start + k], b = ZnUnichar(theSearch[k]);
+      ZnUnichar a = ZnUnichar(theText[start + k]), b = ZnUnichar(theSearch[k]);
       if (!theCaseSensitive) {
         a = FoldCase(a);
         b = FoldCase(b);
@@ -258,14 +345,19 @@ static ZnIndex IndexOf(const ZnUnichar* theText, ZnIndex theTextLength, const Ch
 
 ZnIndex String::indexOfString(const String* theSearchString, bool theCaseSensitive, ZnIndex theFromIndex) const {
   ZnAssert(theSearchString != NULL, 0);
-  return IndexOf(characters_, length_, theSearchString->characters_, theSearchString->length_, theCaseSensitive,
-                 theFromIndex);
+  return withCharacters([&](auto theText, ZnIndex theTextLength) {
+    return theSearchString->withCharacters([&](auto theSearch, ZnIndex theSearchLength) {
+      return IndexOf(theText, theTextLength, theSearch, theSearchLength, theCaseSensitive, theFromIndex);
+    });
+  });
 }
 
 ZnIndex String::indexOfCString(const char* theASCII, bool theCaseSensitive, ZnIndex theFromIndex) const {
   ZnAssert(theASCII, 0);
-  return IndexOf(characters_, length_, reinterpret_cast<const uint8_t*>(theASCII), ZnIndex(StringLength(theASCII)),
-                 theCaseSensitive, theFromIndex);
+  return withCharacters([&](auto theText, ZnIndex theTextLength) {
+    return IndexOf(theText, theTextLength, reinterpret_cast<const uint8_t*>(theASCII),
+                   ZnIndex(StringLength(theASCII)), theCaseSensitive, theFromIndex);
+  });
 }
 
 namespace {
@@ -278,6 +370,27 @@ const String* AsString(const Object* theObject) {
     return static_cast<const String*>(theObject);
   return dynamic_cast<const String*>(theObject);
 }
+
+/// The sign-bearing result of comparing the first theLength units of two
+/// texts, as the bytes of their 16-bit forms compare in memory.
+template <class LeftT, class RightT> int CompareUnits(const LeftT* theLeft, const RightT* theRight, ZnIndex theLength) {
+  if constexpr (sizeof(LeftT) == sizeof(RightT)) {
+    return theLength > 0 ? std::memcmp(theLeft, theRight, Sys::size_t(theLength) * sizeof(LeftT)) : 0;
+  } else {
+    for (ZnIndex i = 0; i < theLength; ++i)
+      if (theLeft[i] != theRight[i])
+        return CompareUnitBytes(theLeft[i], theRight[i]);
+    return 0;
+  }
+}
+
+/// Compares two texts of either form.
+int CompareStrings(const String* theLeft, const String* theRight, ZnIndex theLength) {
+  return theLeft->withCharacters([&](auto theLeftUnits, ZnIndex) {
+    return theRight->withCharacters(
+        [&](auto theRightUnits, ZnIndex) { return CompareUnits(theLeftUnits, theRightUnits, theLength); });
+  });
+}
 } // namespace
 
 bool String::isEqual(const Object* theOther) const {
@@ -286,7 +399,13 @@ bool String::isEqual(const Object* theOther) const {
   const String* other = AsString(theOther);
   if (other == nullptr || other->length_ != length_)
     return false;
-  return length_ == 0 || std::memcmp(characters_, other->characters_, Sys::size_t(length_) * 2) == 0;
+  return CompareStrings(this, other, length()) == 0;
+}
+
+bool String::isEqualToCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) const {
+  if (theLength != length())
+    return false;
+  return withCharacters([&](auto theUnits, ZnIndex) { return CompareUnits(theUnits, theCharacters, theLength) == 0; });
 }
 
 int32_t String::compare(const Object* theOther) const {
@@ -295,19 +414,22 @@ int32_t String::compare(const Object* theOther) const {
   const String* other = AsString(theOther);
   if (other == nullptr)
     return Object::compare(theOther);
-  ZnIndex common = length_ < other->length_ ? length_ : other->length_;
-  // Byte order as in memory, low byte of each unit first.
-  if (common > 0) {
-    int result = std::memcmp(characters_, other->characters_, Sys::size_t(common) * 2);
-    if (result != 0)
-      return result;
-  }
+  ZnIndex common = length() < other->length() ? length() : other->length();
+  int result = CompareStrings(this, other, common);
+  if (result != 0)
+    return result;
   if (length_ == other->length_)
     return 0;
   return length_ < other->length_ ? -1 : 1;
 }
 
-uint32_t String::hash() const { return HashMemory(characters_, Sys::size_t(length_) * 2); }
+uint32_t String::hash() const {
+  return withCharacters([](auto theUnits, ZnIndex theLength) { return HashUnits(theUnits, theLength); });
+}
+
+uint32_t HashCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
+  return HashUnits(theCharacters, theLength);
+}
 
 Object* String::copy() const { return retain(); }
 
@@ -315,10 +437,26 @@ Object* String::mutableCopy() const { return new MutableString(this); }
 
 String* String::description() const { return static_cast<String*>(retain()); }
 
-void String::writeDescription(Writer* theWriter) const { theWriter->writeCharacters(characters_, length_); }
+void String::writeDescription(Writer* theWriter) const { theWriter->writeString(this); }
 
 const char* String::className() const { return "String"; }
 const char* String::superclassName() const { return "Object"; }
+
+//===--- WideCharacters ------------------------------------------------------===//
+
+WideCharacters::WideCharacters(const String* theString) : length_(theString->length()) {
+  if (theString->isWide()) {
+    units_ = theString->withCharacters([](auto theUnits, ZnIndex) { return reinterpret_cast<const ZnUnichar*>(theUnits); });
+    return;
+  }
+  ZnUnichar* units = buffer_;
+  if (length_ > kInlineUnits)
+    units = block_ = static_cast<ZnUnichar*>(Allocate(Sys::size_t(length_) * 2));
+  theString->getCharacters(units, Range(0, length_));
+  units_ = units;
+}
+
+WideCharacters::~WideCharacters() { Free(block_); }
 
 //===--- MutableString -------------------------------------------------------===//
 
@@ -335,74 +473,110 @@ void MutableString::ensureCapacity(ZnIndex theLength) {
   ZnIndex capacity = capacity_ ? capacity_ : 1;
   while (capacity < theLength)
     capacity *= 2;
-  characters_ = static_cast<ZnUnichar*>(Reallocate(characters_, Sys::size_t(capacity) * 2));
+  characters_ = Reallocate(characters_, Sys::size_t(capacity) * (isWide_ ? 2 : 1));
   capacity_ = capacity;
+}
+
+void MutableString::widen() {
+  if (isWide_)
+    return;
+  if (length_ > 0) {
+    widenInto(capacity_);
+    return;
+  }
+  // Nothing to convert: the block only needs twice the bytes.
+  characters_ = Reallocate(characters_, Sys::size_t(capacity_ > 0 ? capacity_ : 1) * 2);
+  isWide_ = true;
+}
+
+ZnUnichar* MutableString::getMutableCharactersPtr() {
+  ZnAssert(isWide_, 0);
+  return wide();
+}
+
+const ZnUnichar* MutableString::getWideCharactersPtr() const {
+  ZnAssert(isWide_, 0);
+  return wide();
 }
 
 void MutableString::setLength(ZnIndex theLength) {
   ZnAssert((theLength >= 0) && (theLength <= capacity_), theLength);
-  length_ = theLength;
+  length_ = uint32_t(theLength);
+}
+
+void MutableString::appendCharacterSlowly(ZnUnichar theCharacter) {
+  ensureCapacity(length() + 1);
+  if (theCharacter > 0xFF)
+    widen();
+  appendCharacter(theCharacter);
+}
+
+template <class CharT> void MutableString::replaceUnits(Range theRange, const CharT* theCharacters, ZnIndex theLength) {
+  ZnAssert((theRange.location + theRange.length) <= length_, theRange.location);
+  ZnAssert(theLength >= 0, theLength);
+  if (theRange.length == 0 && theLength == 0)
+    return;
+  const ZnIndex newLength = length() - theRange.length + theLength;
+  ensureCapacity(newLength);
+  if (!isWide_ && !AllNarrow(theCharacters, theLength))
+    widen();
+  const ZnIndex tail = length() - theRange.getMaximum();
+  if (isWide_) {
+    MoveMemory(wide() + theRange.getMaximum(), wide() + theRange.location + theLength, Sys::size_t(tail) * 2);
+    CopyUnits(theCharacters, wide() + theRange.location, theLength);
+  } else {
+    MoveMemory(narrow() + theRange.getMaximum(), narrow() + theRange.location + theLength, Sys::size_t(tail));
+    CopyUnits(theCharacters, narrow() + theRange.location, theLength);
+  }
+  length_ = uint32_t(newLength);
 }
 
 void MutableString::appendCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
   if (theLength <= 0)
     return;
-  ensureCapacity(length_ + theLength);
-  ZnUnichar* out = characters_ + length_;
-  length_ += theLength;
   // Most runs are a few units: not worth a call.
-  if (theLength <= 16) {
+  if (theLength <= 16 && length() + theLength <= capacity_) {
     for (ZnIndex i = 0; i < theLength; ++i)
-      out[i] = theCharacters[i];
+      appendCharacter(theCharacters[i]);
     return;
   }
-  CopyMemory(theCharacters, out, Sys::size_t(theLength) * 2);
+  replaceUnits(Range(length(), 0), theCharacters, theLength);
 }
 
 void MutableString::appendCString(const char* theString, ZnIndex theLength) {
   ZnAssert(theString != NULL, 0);
   if (theLength < 0)
     theLength = ZnIndex(StringLength(theString));
-  ensureCapacity(length_ + theLength);
-  const uint8_t* bytes = reinterpret_cast<const uint8_t*>(theString);
-  for (ZnIndex i = 0; i < theLength; ++i)
-    characters_[length_ + i] = bytes[i];
-  length_ += theLength;
+  replaceUnits(Range(length(), 0), reinterpret_cast<const uint8_t*>(theString), theLength);
 }
 
 void MutableString::appendString(const String* theString) {
   ZnAssert(theString != NULL, 0);
-  appendCharacters(theString->getCharactersPtr(), theString->length());
+  theString->withCharacters(
+      [&](auto theUnits, ZnIndex theLength) { replaceUnits(Range(length(), 0), theUnits, theLength); });
 }
 
 void MutableString::insertCharacters(ZnIndex theIndex, const ZnUnichar* theCharacters, ZnIndex theLength) {
   if (theIndex < 0)
-    theIndex = length_;
+    theIndex = length();
   ZnAssert(theIndex <= length_, theIndex);
   ZnAssert(theLength >= 0, theLength);
-  ensureCapacity(length_ + theLength);
-  MoveMemory(characters_ + theIndex, characters_ + theIndex + theLength, Sys::size_t(length_ - theIndex) * 2);
-  CopyMemory(theCharacters, characters_ + theIndex, Sys::size_t(theLength) * 2);
-  length_ += theLength;
+  replaceUnits(Range(theIndex, 0), theCharacters, theLength);
 }
 
-void MutableString::deleteCharactersInRange(Range theRange) { replaceCharactersInRange(theRange, nullptr, 0); }
+void MutableString::deleteCharactersInRange(Range theRange) {
+  replaceUnits(theRange, static_cast<const uint8_t*>(nullptr), 0);
+}
 
 void MutableString::replaceCharactersInRange(Range theRange, const ZnUnichar* theCharacters, ZnIndex theLength) {
-  ZnAssert((theRange.location + theRange.length) <= length_, theRange.location);
-  ZnIndex newLength = length_ - theRange.length + theLength;
-  ensureCapacity(newLength);
-  MoveMemory(characters_ + theRange.getMaximum(), characters_ + theRange.location + theLength,
-             Sys::size_t(length_ - theRange.getMaximum()) * 2);
-  CopyMemory(theCharacters, characters_ + theRange.location, Sys::size_t(theLength) * 2);
-  length_ = newLength;
+  replaceUnits(theRange, theCharacters, theLength);
 }
 
-Object* MutableString::copy() const { return new String(characters_, length_); }
+Object* MutableString::copy() const { return substringWithRange(Range(0, length())); }
 
 // A mutable string may change after it was described, so its description is
 // a snapshot.
-String* MutableString::description() const { return new String(characters_, length_); }
+String* MutableString::description() const { return substringWithRange(Range(0, length())); }
 
 const char* MutableString::className() const { return "MutableString"; }
 const char* MutableString::superclassName() const { return "Zn::String"; }
@@ -588,9 +762,8 @@ String* StringWithFormatV(const char* theFormat, va_list theArgs) {
 }
 
 void PrintToStandardError(const String* theString) {
-  const ZnUnichar* units = theString->getCharactersPtr();
   for (ZnIndex i = 0; i < theString->length(); ++i) {
-    ZnUnichar c = units[i];
+    ZnUnichar c = theString->unitAt(i);
     if (c == 7)
       std::fputs("\\a", stderr);
     else if (c == 8)

@@ -24,6 +24,13 @@ inline int32_t DigitValue(ZnUnichar theCharacter) {
 
 /// Immutable sequence of UTF-16 code units. Every message, description and
 /// rendered page is built in strings.
+///
+/// A string whose units are all below 256 keeps them one byte each (nearly
+/// every character of a notebook file is ASCII, so the strings of a parsed
+/// tree would otherwise be half zeros); any other keeps 16 bits a unit. The
+/// form changes nothing of what the operations mean: lengths, indices,
+/// ranges, comparison and hashing are those of the 16-bit units, and two
+/// strings of the same units are equal and hash alike in either form.
 class String : public Object {
 public:
   String() = default;
@@ -39,13 +46,28 @@ public:
   static String* createWithData(const Data* theData, int theEncodingID);
   /// +1. A copy of theLength units whose characters live in the object's own
   /// allocation: one block of exactly the size needed, for the many strings
-  /// of a parsed document.
+  /// of a parsed document. One byte a unit when every unit is below 256.
   static String* createWithCharacters(const ZnUnichar* theCharacters, ZnIndex theLength);
+  /// +1. An immutable copy of theString's units, made as createWithCharacters does.
+  static String* createWithString(const String* theString);
 
-  ZnIndex length() const { return length_; }
+  ZnIndex length() const { return ZnIndex(length_); }
+  /// Whether the units are kept 16 bits each; otherwise they are all below
+  /// 256 and kept one byte each.
+  bool isWide() const { return isWide_; }
   ZnUnichar characterAtIndex(ZnIndex theIndex) const;
-  /// Borrowed; valid until the string changes. Not terminated.
-  const ZnUnichar* getCharactersPtr() const { return characters_; }
+  /// The unit at theIndex, unchecked: for loops that already keep within the length.
+  ZnUnichar unitAt(ZnIndex theIndex) const { return isWide_ ? wide()[theIndex] : narrow()[theIndex]; }
+  /// Calls theAction(units, length) with the units as they are kept, a
+  /// `const uint8_t*` or a `const ZnUnichar*` (never null), and returns what
+  /// it returns: a generic lambda reads either form without a copy.
+  template <class Action> decltype(auto) withCharacters(Action&& theAction) const {
+    static const uint8_t kNone = 0;
+    if (isWide_)
+      return theAction(const_cast<const ZnUnichar*>(wide()), length());
+    return theAction(characters_ ? const_cast<const uint8_t*>(narrow()) : &kNone, length());
+  }
+  /// Copies the units of theRange, widened to 16 bits, to theBuffer.
   void getCharacters(ZnUnichar* theBuffer, Range theRange) const;
   /// +1 each.
   String* substringWithRange(Range theRange) const;
@@ -71,6 +93,8 @@ public:
   ZnIndex indexOfCString(const char* theASCII, bool theCaseSensitive, ZnIndex theFromIndex) const;
 
   bool isEqual(const Object* theOther) const override;
+  /// Whether the string holds exactly theLength units equal to theCharacters.
+  bool isEqualToCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) const;
   int32_t compare(const Object* theOther) const override;
   uint32_t hash() const override;
   Object* copy() const override;
@@ -82,18 +106,51 @@ public:
 
 protected:
   ~String() override;
-  // The length first: it fills the four bytes that Object leaves after its
-  // count on 64-bit targets, so a string is 8 bytes smaller there.
-  ZnIndex length_ = 0;
-  ZnUnichar* characters_ = nullptr;
+  /// Makes the string wide with room for theCapacity units, the units it
+  /// holds widened; frees the old block unless it is the inline one.
+  void widenInto(ZnIndex theCapacity);
+
+  // The length and the form first: they fill the four bytes that Object
+  // leaves after its count on 64-bit targets, so a string is 8 bytes
+  // smaller there.
+  uint32_t length_ : 31 = 0;
+  uint32_t isWide_ : 1 = 0;
+  void* characters_ = nullptr;
+  uint8_t* narrow() const { return static_cast<uint8_t*>(characters_); }
+  ZnUnichar* wide() const { return static_cast<ZnUnichar*>(characters_); }
 
 private:
-  ZnUnichar* inlineCharacters() const {
-    return reinterpret_cast<ZnUnichar*>(const_cast<char*>(reinterpret_cast<const char*>(this)) + sizeof(String));
-  }
+  void* inlineCharacters() const { return const_cast<char*>(reinterpret_cast<const char*>(this)) + sizeof(String); }
+  /// Copies theLength units into a block of their own, one byte each when
+  /// every unit fits.
+  template <class CharT> void initWithCharacters(const CharT* theCharacters, ZnIndex theLength);
+  template <class CharT> static String* createInline(const CharT* theCharacters, ZnIndex theLength);
 };
 
-/// A string that grows: capacities double from 1 and never shrink.
+/// The units of a string as 16-bit units, for code that reads text through
+/// a pointer: a wide string's own units, or a one-byte string's widened into
+/// the view, on the stack up to kInlineUnits units and in one block beyond.
+/// Valid while the string lives unchanged.
+class WideCharacters {
+public:
+  explicit WideCharacters(const String* theString);
+  WideCharacters(const WideCharacters&) = delete;
+  WideCharacters& operator=(const WideCharacters&) = delete;
+  ~WideCharacters();
+  const ZnUnichar* data() const { return units_; }
+  ZnIndex length() const { return length_; }
+
+private:
+  static constexpr ZnIndex kInlineUnits = 256;
+  const ZnUnichar* units_;
+  ZnIndex length_;
+  ZnUnichar* block_ = nullptr;
+  ZnUnichar buffer_[kInlineUnits];
+};
+
+/// A string that grows: capacities double from 1 and never shrink. It keeps
+/// one byte a unit until the first unit of 256 or more arrives, and 16 bits
+/// a unit from then on.
 class MutableString : public String {
 public:
   /// An empty string with room for theCapacity units (0: no buffer).
@@ -103,17 +160,32 @@ public:
   ZnIndex capacity() const { return capacity_; }
   /// Makes room for at least theLength units under the doubling rule.
   void ensureCapacity(ZnIndex theLength);
-  /// Borrowed, writable; valid until the next growth.
-  ZnUnichar* getMutableCharactersPtr() { return characters_; }
+  /// Keeps 16 bits a unit from now on, for a buffer whose units are written
+  /// in place or read through a pointer.
+  void widen();
+  /// Borrowed, writable; valid until the next growth. The string must be wide.
+  ZnUnichar* getMutableCharactersPtr();
+  /// Borrowed; valid until the next growth. The string must be wide.
+  const ZnUnichar* getWideCharactersPtr() const;
   /// Shortens (or, within the capacity, lengthens) the string.
   void setLength(ZnIndex theLength);
 
   /// Removes the last unit and returns it; the string must not be empty.
-  ZnUnichar takeLastCharacter() { return characters_[--length_]; }
+  ZnUnichar takeLastCharacter() {
+    length_ = length_ - 1;
+    return unitAt(ZnIndex(length_));
+  }
   void appendCharacter(ZnUnichar theCharacter) {
-    if (length_ >= capacity_)
-      ensureCapacity(length_ + 1);
-    characters_[length_++] = theCharacter;
+    const ZnIndex length = ZnIndex(length_);
+    if (length >= capacity_ || (theCharacter > 0xFF && !isWide_)) {
+      appendCharacterSlowly(theCharacter);
+      return;
+    }
+    if (isWide_)
+      wide()[length] = theCharacter;
+    else
+      narrow()[length] = uint8_t(theCharacter);
+    length_ = uint32_t(length + 1);
   }
   void appendCharacters(const ZnUnichar* theCharacters, ZnIndex theLength);
   /// Each byte one unit; a negative length reads to the terminator.
@@ -133,8 +205,16 @@ public:
   const char* superclassName() const override;
 
 private:
+  void appendCharacterSlowly(ZnUnichar theCharacter);
+  /// Puts theLength units of theCharacters in place of theRange, widening
+  /// the string first when one of them needs 16 bits.
+  template <class CharT> void replaceUnits(Range theRange, const CharT* theCharacters, ZnIndex theLength);
+
   ZnIndex capacity_ = 0;
 };
+
+/// The hash that a string of theLength units at theCharacters has.
+uint32_t HashCharacters(const ZnUnichar* theCharacters, ZnIndex theLength);
 
 /// +1. A new string from the format routine ("%@" inserts a description).
 String* StringWithFormat(const char* theFormat, ...);

@@ -9,19 +9,35 @@ namespace Zn {
 
 //===--- StringEncoding ------------------------------------------------------===//
 
-MutableData* StringEncoding::dataFromCharacters(StringEncoding* theEncoding, const ZnUnichar* theCharacters,
-                                                ZnIndex theCount) {
+namespace {
+template <class CharT>
+MutableData* DataFromUnits(StringEncoding* theEncoding, const CharT* theCharacters, ZnIndex theCount) {
   auto data = adopt(new MutableData());
   bool isFirst = true;
   while (theCount > 0) {
     ZnIndex chunkSize = theCount < 1024 ? theCount : 1024;
-    ZnIndex charCount = theEncoding->encodeCharacters(theCharacters, chunkSize, data.get(), isFirst);
+    ZnIndex charCount;
+    if constexpr (sizeof(CharT) == 1)
+      charCount = theEncoding->encodeBytes(theCharacters, chunkSize, data.get(), isFirst);
+    else
+      charCount = theEncoding->encodeCharacters(theCharacters, chunkSize, data.get(), isFirst);
     ZnAssert(charCount <= chunkSize, charCount);
     isFirst = false;
     theCharacters += charCount;
     theCount -= charCount;
   }
   return data.leak();
+}
+} // namespace
+
+MutableData* StringEncoding::dataFromCharacters(StringEncoding* theEncoding, const ZnUnichar* theCharacters,
+                                                ZnIndex theCount) {
+  return DataFromUnits(theEncoding, theCharacters, theCount);
+}
+
+MutableData* StringEncoding::dataFromCharacters(StringEncoding* theEncoding, const uint8_t* theCharacters,
+                                                ZnIndex theCount) {
+  return DataFromUnits(theEncoding, theCharacters, theCount);
 }
 
 MutableString* StringEncoding::stringFromBytes(StringEncoding* theEncoding, const uint8_t* theBytes,
@@ -66,12 +82,7 @@ StringEncoding* StringEncodingWithID(int theID) {
 static ZnIndex DecodeLatin1(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString) {
   if (theCount <= 0)
     return 0;
-  ZnIndex length = theString->length();
-  theString->ensureCapacity(length + theCount);
-  ZnUnichar* out = theString->getMutableCharactersPtr() + length;
-  for (ZnIndex i = 0; i < theCount; ++i)
-    out[i] = theBytes[i];
-  theString->setLength(length + theCount);
+  theString->appendCString(reinterpret_cast<const char*>(theBytes), theCount);
   return theCount;
 }
 
@@ -125,6 +136,7 @@ ZnIndex UTF16Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mu
     }
   }
   ZnIndex length = theString->length();
+  theString->widen();
   theString->ensureCapacity(length + (consumed - i) / 2);
   ZnUnichar* out = theString->getMutableCharactersPtr() + length;
   for (; i < consumed; i += 2) {
@@ -186,7 +198,25 @@ ZnIndex UTF8Encoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mut
     return 0;
   if (theIsFirst && writeBOM_)
     theData->endAppend(PutUTF8Mark(theData->beginAppend(3)));
-  theData->appendBytes(theBytes, theCount);
+  uint8_t high = 0;
+  for (ZnIndex i = 0; i < theCount; ++i)
+    high |= theBytes[i];
+  if (high < 0x80) {
+    theData->appendBytes(theBytes, theCount);
+    return theCount;
+  }
+  // Characters from 0x80 to 0xFF take two bytes each.
+  uint8_t* out = theData->beginAppend(theCount * 2);
+  for (ZnIndex i = 0; i < theCount; ++i) {
+    const uint8_t c = theBytes[i];
+    if (c < 0x80) {
+      *out++ = c;
+      continue;
+    }
+    *out++ = uint8_t(0xC0 | (c >> 6));
+    *out++ = uint8_t(0x80 | (c & 0x3F));
+  }
+  theData->endAppend(out);
   return theCount;
 }
 
@@ -247,6 +277,7 @@ ZnIndex UTF8Encoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mut
     return 0;
   ZnIndex length = theString->length();
   // Every byte yields at most one unit: a surrogate pair takes four.
+  theString->widen();
   theString->ensureCapacity(length + theCount);
   ZnUnichar* const start = theString->getMutableCharactersPtr() + length;
   ZnUnichar* out = start;
@@ -482,7 +513,7 @@ ZnIndex HTMLEncoding::encodeBytes(const uint8_t* theBytes, ZnIndex theCount, Mut
                                   bool theIsFirst) {
   if (raw_)
     return inner_->encodeBytes(theBytes, theCount, theData, theIsFirst);
-  return encodeEscaped(theBytes, theCount, theData, theIsFirst, false);
+  return encodeEscaped(theBytes, theCount, theData, theIsFirst, innerIsASCII_);
 }
 
 ZnIndex HTMLEncoding::decodeBytes(const uint8_t* theBytes, ZnIndex theCount, MutableString* theString, bool) {

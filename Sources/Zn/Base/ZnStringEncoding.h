@@ -54,6 +54,9 @@ public:
   /// unit above 255.
   static MutableData* dataFromCharacters(StringEncoding* theEncoding, const ZnUnichar* theCharacters,
                                          ZnIndex theCount);
+  /// The same for 8-bit characters, through encodeBytes.
+  static MutableData* dataFromCharacters(StringEncoding* theEncoding, const uint8_t* theCharacters,
+                                         ZnIndex theCount);
   /// +1. Decodes the bytes in one call: at most 1024 of them. Longer input
   /// goes through a reader, or through String::createWithBytes.
   static MutableString* stringFromBytes(StringEncoding* theEncoding, const uint8_t* theBytes, ZnIndex theCount);

@@ -71,13 +71,12 @@ Object* Dictionary::objectForCharacters(const ZnUnichar* theCharacters, ZnIndex 
   if (count_ == 0)
     return nullptr;
   // The same hash as String::hash, so string keys are found where they lie.
-  Sys::size_t bytes = Sys::size_t(theLength) * sizeof(ZnUnichar);
-  uint32_t hash = HashMemory(theCharacters, bytes);
+  uint32_t hash = HashCharacters(theCharacters, theLength);
   for (Node* node = buckets_[hash % uint32_t(bucketCount_)]; node; node = node->next) {
     if (node->hash != hash)
       continue;
     const String* key = dynamic_cast<const String*>(node->key);
-    if (key && key->length() == theLength && (bytes == 0 || std::memcmp(key->getCharactersPtr(), theCharacters, bytes) == 0))
+    if (key && key->isEqualToCharacters(theCharacters, theLength))
       return node->value;
   }
   return nullptr;

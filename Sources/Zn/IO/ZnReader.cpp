@@ -76,7 +76,7 @@ void Reader::countWindow() const {
 bool Reader::peekCharacter(ZnUnichar* theOut) {
   ZnIndex pending = pushBack_->length();
   if (pending > 0) {
-    *theOut = pushBack_->getCharactersPtr()[pending - 1];
+    *theOut = pushBack_->unitAt(pending - 1);
     return true;
   }
   if (!take(theOut))
@@ -133,18 +133,18 @@ bool Reader::readString(const String* theExpected, int theCompareOptions) {
   ZnUnichar* taken = local;
   if (length > ZnIndex(sizeof local / sizeof local[0])) {
     spill = adopt(new MutableString(length));
+    spill->widen();
     taken = spill->getMutableCharactersPtr();
   }
   ZnIndex count = 0;
   while (count < length && take(&taken[count]))
     ++count;
   bool equal = count == length;
-  const ZnUnichar* expected = theExpected->getCharactersPtr();
   for (ZnIndex i = 0; equal && i < length; ++i) {
     if (theCompareOptions & kCompareCaseInsensitive)
-      equal = FoldCase(taken[i]) == FoldCase(expected[i]);
+      equal = FoldCase(taken[i]) == FoldCase(theExpected->unitAt(i));
     else
-      equal = taken[i] == expected[i];
+      equal = taken[i] == theExpected->unitAt(i);
   }
   if (equal)
     return true;
@@ -212,11 +212,11 @@ bool Reader::readInteger(int32_t* theOut, int theRadix) {
 int64_t Reader::getLine() const {
   countWindow();
   int64_t lf = lineFeedCount_, cr = carriageReturnCount_;
-  const ZnUnichar* pending = pushBack_->getCharactersPtr();
   for (ZnIndex i = 0; i < pushBack_->length(); ++i) {
-    if (pending[i] == 10)
+    const ZnUnichar c = pushBack_->unitAt(i);
+    if (c == 10)
       --lf;
-    else if (pending[i] == 13)
+    else if (c == 13)
       --cr;
   }
   if (cr == 0)
@@ -240,8 +240,11 @@ StreamReader::StreamReader(Stream* theStream, StringEncoding* theEncoding) {
   ZnAssert(theStream->isReadable(), 0);
   stream_ = retained(theStream);
   encoding_ = retained(theEncoding);
-  if (theEncoding)
+  if (theEncoding) {
+    // The window is read through a pointer to 16-bit units.
     decoded_ = adopt(new MutableString(256));
+    decoded_->widen();
+  }
 }
 
 StreamReader::~StreamReader() = default;
@@ -312,7 +315,7 @@ bool StreamReader::fillWindow() {
       have += more;
     }
   }
-  window_ = decoded_->getCharactersPtr();
+  window_ = decoded_->getMutableCharactersPtr();
   windowEnd_ = window_ + decoded_->length();
   return true;
 }
@@ -333,7 +336,7 @@ double StringReader::getProgress() const { return double(index_) / double(string
 bool StringReader::readRawCharacter(ZnUnichar* theOut) {
   if (index_ >= string_->length())
     return false;
-  *theOut = string_->getCharactersPtr()[index_++];
+  *theOut = string_->unitAt(index_++);
   return true;
 }
 

@@ -37,7 +37,7 @@ void TidyWriter::releaseHeld() {
 bool TidyWriter::flushText() {
   if (text_->length() == 0)
     return !failed_;
-  if (!inner_->writeCharacters(text_->getCharactersPtr(), int(text_->length())))
+  if (!inner_->writeString(text_.get()))
     failed_ = true;
   text_->setLength(0);
   return !failed_;

@@ -44,7 +44,16 @@ bool Writer::writeBytes(const uint8_t* theBytes, int theCount) {
 bool Writer::writeFormatV(const char* theFormat, va_list theArgs) {
   auto text = adopt(new MutableString(32));
   text->appendFormatV(theFormat, theArgs);
-  return writeCharacters(text->getCharactersPtr(), text->length());
+  return writeString(text.get());
+}
+
+bool Writer::writeString(const String* theString, ZnIndex theFrom) {
+  return theString->withCharacters([&](auto theUnits, ZnIndex theLength) {
+    if constexpr (sizeof(*theUnits) == 1)
+      return writeBytes(theUnits + theFrom, theLength - theFrom);
+    else
+      return writeCharacters(theUnits + theFrom, theLength - theFrom);
+  });
 }
 
 bool Writer::writeFormat(const char* theFormat, ...) {
@@ -177,7 +186,7 @@ bool Writer::putCharacters(const ZnUnichar* theCharacters, int theCount) {
 }
 
 bool Writer::putString(const String* theString) {
-  return putCharacters(theString->getCharactersPtr(), theString->length());
+  return theString->withCharacters([&](auto theUnits, ZnIndex theLength) { return putText(theUnits, theLength); });
 }
 
 bool Writer::putBytes(const char* theText, int theCount) {
@@ -220,7 +229,7 @@ bool Writer::putFormat(const char* theFormat, ...) {
 bool Writer::putFormatV(const char* theFormat, va_list theArgs) {
   auto text = adopt(new MutableString(32));
   text->appendFormatV(theFormat, theArgs);
-  return putCharacters(text->getCharactersPtr(), text->length());
+  return putString(text.get());
 }
 
 const char* Writer::className() const { return "Writer"; }
@@ -358,6 +367,10 @@ bool MultiWriter::writeCharacter(ZnUnichar theCharacter) {
 
 bool MultiWriter::writeCharacters(const ZnUnichar* theCharacters, int theCount) {
   return forEachWriter([&](Writer* w) { return w->writeCharacters(theCharacters, theCount); });
+}
+
+bool MultiWriter::writeBytes(const uint8_t* theBytes, int theCount) {
+  return forEachWriter([&](Writer* w) { return w->writeBytes(theBytes, theCount); });
 }
 
 const char* MultiWriter::className() const { return "MultiWriter"; }

@@ -28,6 +28,9 @@ public:
   virtual bool writeCharacters(const ZnUnichar* theCharacters, int theCount);
   virtual bool writeBytes(const uint8_t* theBytes, int theCount);
   virtual bool writeFormatV(const char* theFormat, va_list theArgs);
+  /// The units of theString from theFrom on, through writeCharacters or
+  /// writeBytes as the string keeps them.
+  bool writeString(const String* theString, ZnIndex theFrom = 0);
   bool writeFormat(const char* theFormat, ...);
 
   bool putCharacter(ZnUnichar theCharacter);
@@ -164,6 +167,7 @@ public:
   bool writeIndentation() override;
   bool writeCharacter(ZnUnichar theCharacter) override;
   bool writeCharacters(const ZnUnichar* theCharacters, int theCount) override;
+  bool writeBytes(const uint8_t* theBytes, int theCount) override;
   const char* className() const override;
   const char* superclassName() const override;
 

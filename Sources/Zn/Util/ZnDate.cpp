@@ -91,7 +91,6 @@ bool GregorianDate::isValid() const {
 }
 
 bool GregorianDate::parse(const String& theString) {
-  const ZnUnichar* text = theString.getCharactersPtr();
   ZnIndex length = theString.length();
   ZnIndex at = 0;
   // The value of theCount digits at the cursor, or -1 (cursor unmoved).
@@ -100,7 +99,7 @@ bool GregorianDate::parse(const String& theString) {
       return -1;
     int32_t value = 0;
     for (ZnIndex i = 0; i < theCount; ++i) {
-      ZnUnichar c = text[at + i];
+      ZnUnichar c = theString.unitAt(at + i);
       if (c < '0' || c > '9')
         return -1;
       value = value * 10 + (c - '0');
@@ -123,7 +122,7 @@ bool GregorianDate::parse(const String& theString) {
   const Part parts[] = {{'-', '-', &month}, {'-', '-', &day}, {'T', 't', &hour}, {':', ':', &minute}};
   bool complete = true;
   for (const Part& part : parts) {
-    if (at < length && (text[at] == part.separator || text[at] == part.alternative))
+    if (at < length && (theString.unitAt(at) == part.separator || theString.unitAt(at) == part.alternative))
       ++at;
     int32_t value = digits(2);
     if (value < 0) {
@@ -133,7 +132,7 @@ bool GregorianDate::parse(const String& theString) {
     *part.field = uint8_t(value);
   }
   if (complete) {
-    if (at < length && text[at] == ':')
+    if (at < length && theString.unitAt(at) == ':')
       ++at;
     int32_t seconds = digits(2);
     if (seconds >= 0)

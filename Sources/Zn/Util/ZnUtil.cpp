@@ -45,9 +45,9 @@ void LogV(uint32_t, const char* theFormat, va_list theArgs) {
     line->appendFormatV(theFormat, theArgs);
     // One call, one line, written at once; the message's own line breaks
     // go out as they are.
-    if (line->getCharactersPtr()[line->length() - 1] != 10)
+    if (line->unitAt(line->length() - 1) != 10)
       line->appendCharacter(10);
-    writer->writeCharacters(line->getCharactersPtr(), line->length());
+    writer->writeString(line.get());
     std::fflush(stream->getFile());
   } catch (Exception* theException) {
     auto ignored = adopt(theException);

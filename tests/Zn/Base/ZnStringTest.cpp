@@ -1,6 +1,7 @@
 //===- ZnStringTest.cpp - Strings, the format routine and number parsing ---===//
 #include "Support/ZnTestSupport.h"
 #include "Zn/Base/ZnAssert.h"
+#include "Zn/Base/ZnMemory.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnString.h"
 
@@ -110,6 +111,156 @@ TEST_F(StringTest, SubstringsAndMutation) {
   m->replaceCharactersInRange(Range(0, 3), xy + 1, 1);
   m->deleteCharactersInRange(Range(5, 2));
   EXPECT_EQ(ZnTest::Utf8(m.get()), "Ybcde");
+}
+
+//===--- The one-byte and the 16-bit form ----------------------------------===//
+
+namespace {
+/// The same units in the 16-bit form, whatever they are.
+Ref<MutableString> Wide(const std::u16string& theUnits) {
+  auto s = adopt(new MutableString());
+  s->widen();
+  s->appendCharacters(reinterpret_cast<const ZnUnichar*>(theUnits.data()), ZnIndex(theUnits.size()));
+  return s;
+}
+Ref<String> Compact(const std::u16string& theUnits) {
+  return adopt(String::createWithCharacters(reinterpret_cast<const ZnUnichar*>(theUnits.data()), ZnIndex(theUnits.size())));
+}
+std::u16string Units(const String* theString) {
+  std::u16string units(size_t(theString->length()), u'\0');
+  theString->getCharacters(reinterpret_cast<ZnUnichar*>(units.data()), Range(0, theString->length()));
+  return units;
+}
+} // namespace
+
+TEST_F(StringTest, UnitsBelow256TakeOneByteAndOthersTwo) {
+  struct Case { std::u16string units; bool wide; } cases[] = {
+      {u"", false}, {u"plain ASCII", false}, {u"caf\u00e9 \u00ff", false},
+      {u"\u0100", true}, {u"x \u263a y", true}, {u"\U0001D538", true},
+  };
+  for (const Case& c : cases) {
+    auto compact = Compact(c.units);
+    EXPECT_EQ(compact->isWide(), c.wide);
+    EXPECT_EQ(Units(compact.get()), c.units);
+    auto built = adopt(new String(reinterpret_cast<const ZnUnichar*>(c.units.data()), ZnIndex(c.units.size())));
+    EXPECT_EQ(built->isWide(), c.wide);
+    for (ZnIndex i = 0; i < compact->length(); ++i)
+      EXPECT_EQ(compact->characterAtIndex(i), c.units[size_t(i)]);
+  }
+}
+
+// A compact string of a parsed tree takes one byte a unit after the object.
+TEST_F(StringTest, CompactStringsTakeOneByteAUnit) {
+  const ZnUnichar text[] = {'a', 0xE9, 'b', 'c', 'd'}, wide[] = {'a', 0x263A, 'b'};
+  uint64_t before = GetTotalAllocated();
+  auto compact = adopt(String::createWithCharacters(text, 5));
+  EXPECT_EQ(GetTotalAllocated() - before, sizeof(String) + 5);
+  before = GetTotalAllocated();
+  auto sixteen = adopt(String::createWithCharacters(wide, 3));
+  EXPECT_EQ(GetTotalAllocated() - before, sizeof(String) + 6);
+}
+
+// Equal units make equal strings with equal hashes in either form; the
+// order is the one of the 16-bit form (low byte first), also across forms.
+TEST_F(StringTest, BothFormsOfOneTextAreEqualAndHashAlike) {
+  for (std::u16string text : {u"", u"a", u"ab", u"abc", u"caf\u00e9", u"\u00ff\u00fe\u00fd", u"odd length"}) {
+    auto compact = Compact(text);
+    auto wide = Wide(text);
+    ASSERT_FALSE(compact->isWide());
+    ASSERT_TRUE(wide->isWide());
+    EXPECT_TRUE(compact->isEqual(wide.get()));
+    EXPECT_TRUE(wide->isEqual(compact.get()));
+    EXPECT_EQ(compact->hash(), wide->hash());
+    EXPECT_EQ(compact->compare(wide.get()), 0);
+    EXPECT_TRUE(compact->isEqualToCharacters(reinterpret_cast<const ZnUnichar*>(text.data()), ZnIndex(text.size())));
+    EXPECT_EQ(compact->hash(), HashCharacters(reinterpret_cast<const ZnUnichar*>(text.data()), ZnIndex(text.size())));
+  }
+  struct Order { std::u16string left, right; int sign; } orders[] = {
+      {u"a\u00ff", u"a\u0100", 1},  // FF against 00: the low byte decides first
+      {u"a\u0001", u"a\u0100", 1},  // 01 against 00
+      {u"ab", u"ab\u0100", -1},     // the shorter first
+      {u"b", u"a\u263a", 1},
+  };
+  for (const Order& o : orders) {
+    auto sign = [](int32_t theResult) { return (theResult > 0) - (theResult < 0); };
+    EXPECT_EQ(sign(Compact(o.left)->compare(Compact(o.right).get())), o.sign);
+    EXPECT_EQ(sign(Wide(o.left)->compare(Compact(o.right).get())), o.sign);
+    EXPECT_EQ(sign(Compact(o.right)->compare(Wide(o.left).get())), -o.sign);
+  }
+  EXPECT_EQ(Compact(u"find the \u00e9")->indexOfString(Wide(u"\u00e9").get(), true, 0), 9);
+  EXPECT_EQ(Wide(u"\u263a THE end")->indexOfString(S("the").get(), false, 0), 2);
+}
+
+// Every change that brings a unit of 256 or more widens the string once,
+// keeping what it held; narrow units keep it narrow.
+TEST_F(StringTest, MutableStringWidensOnTheFirstWideUnit) {
+  const ZnUnichar smile[] = {0x263A}, plain[] = {'x', 'y'};
+  struct Case {
+    const char* name;
+    void (*change)(MutableString*, const ZnUnichar*, ZnIndex);
+    ZnIndex narrowCount;
+    std::u16string narrowResult, wideResult;
+  } cases[] = {
+      {"append", [](MutableString* s, const ZnUnichar* u, ZnIndex n) { s->appendCharacters(u, n); },
+       2, u"caf\u00e9xy", u"caf\u00e9\u263a"},
+      {"append one", [](MutableString* s, const ZnUnichar* u, ZnIndex) { s->appendCharacter(u[0]); },
+       1, u"caf\u00e9x", u"caf\u00e9\u263a"},
+      {"insert", [](MutableString* s, const ZnUnichar* u, ZnIndex n) { s->insertCharacters(2, u, n); },
+       2, u"caxyf\u00e9", u"ca\u263af\u00e9"},
+      {"replace", [](MutableString* s, const ZnUnichar* u, ZnIndex n) { s->replaceCharactersInRange(Range(1, 2), u, n); },
+       2, u"cxy\u00e9", u"c\u263a\u00e9"},
+  };
+  for (const Case& c : cases) {
+    auto narrow = adopt(new MutableString(adopt(new String("caf\xE9")).get()));
+    c.change(narrow.get(), plain, c.narrowCount);
+    EXPECT_FALSE(narrow->isWide()) << c.name;
+    EXPECT_EQ(Units(narrow.get()), c.narrowResult) << c.name;
+    auto widened = adopt(new MutableString(adopt(new String("caf\xE9")).get()));
+    c.change(widened.get(), smile, 1);
+    EXPECT_TRUE(widened->isWide()) << c.name;
+    EXPECT_EQ(Units(widened.get()), c.wideResult) << c.name;
+    // Wide units stay where they are after later narrow changes.
+    widened->appendCString("!");
+    widened->deleteCharactersInRange(Range(0, 1));
+    EXPECT_EQ(Units(widened.get()), c.wideResult.substr(1) + u"!") << c.name;
+  }
+}
+
+// A piece of a wide string that holds no wide unit is compact again, and
+// equal to the same text built directly.
+TEST_F(StringTest, SubstringsAcrossTheWideUnitTakeTheFormTheyNeed) {
+  auto mixed = Compact(u"ab\u263acd");
+  struct Case { Range range; std::u16string units; bool wide; } cases[] = {
+      {Range(0, 2), u"ab", false}, {Range(3, 2), u"cd", false}, {Range(1, 3), u"b\u263ac", true},
+      {Range(2, 1), u"\u263a", true}, {Range(5, 0), u"", false},
+  };
+  for (const Case& c : cases) {
+    auto piece = adopt(mixed->substringWithRange(c.range));
+    EXPECT_EQ(piece->isWide(), c.wide);
+    EXPECT_EQ(Units(piece.get()), c.units);
+    EXPECT_TRUE(piece->isEqual(Compact(c.units).get()));
+    EXPECT_EQ(piece->hash(), Wide(c.units)->hash());
+  }
+  EXPECT_EQ(Units(adopt(mixed->substringFromIndex(3)).get()), u"cd");
+  EXPECT_EQ(Units(adopt(mixed->substringToIndex(2)).get()), u"ab\u263a");
+  auto frozen = adopt(String::createWithString(Wide(u"only narrow").get()));
+  EXPECT_FALSE(frozen->isWide());
+  EXPECT_EQ(ZnTest::Utf8(adopt(Wide(u"\u263a ABC")->lowercaseString()).get()), "\u263a abc");
+}
+
+// Code that reads units through a pointer gets a compact string's units
+// widened, short ones and long ones alike.
+TEST_F(StringTest, WideCharactersGivesSixteenBitUnitsOfEitherForm) {
+  for (ZnIndex length : {0, 1, 256, 257, 5000}) {
+    std::u16string text;
+    for (ZnIndex i = 0; i < length; ++i)
+      text += char16_t(0x20 + i % 0xDF);
+    for (const Ref<String>& s : {Compact(text), Ref<String>(Wide(text))}) {
+      WideCharacters units(s.get());
+      ASSERT_EQ(units.length(), length);
+      EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t*>(units.data()), size_t(length)), text);
+    }
+  }
 }
 
 TEST_F(StringTest, PrintToStandardErrorEscapesControlsAndNonAscii) {

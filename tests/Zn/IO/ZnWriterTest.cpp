@@ -127,6 +127,34 @@ TEST_F(WriterTest, StreamWriterEncodesAndMarksOnlyTheStart) {
   EXPECT_FALSE(strict->putCharacter(0x263A));
 }
 
+// A string kept one byte a unit goes out through the byte path of the
+// encoders: each must write what the 16-bit form of the same text writes.
+TEST_F(WriterTest, BothFormsOfAStringEncodeAlike) {
+  const ZnUnichar units[] = {'a', '<', 0xE9, 0x80, 0xFF, '&', '"', 10, 'z'};
+  auto compact = adopt(String::createWithCharacters(units, 9));
+  auto wide = adopt(new MutableString());
+  wide->widen();
+  wide->appendCharacters(units, 9);
+  ASSERT_FALSE(compact->isWide());
+  for (int id : {kStringEncodingUTF8, kStringEncodingUTF8WithBOM, kStringEncodingUTF16, kStringEncodingASCII,
+                 kStringEncodingASCIIEscaped}) {
+    for (bool html : {false, true}) {
+      std::string written[2];
+      for (int form = 0; form < 2; ++form) {
+        auto data = adopt(new MutableData());
+        auto stream = adopt(Data::createWriteStream(data.get()));
+        auto inner = adopt(StringEncodingWithID(id));
+        auto encoding = html ? adopt<StringEncoding>(new HTMLEncoding(inner.get())) : inner;
+        auto writer = adopt(new StreamWriter(stream.get(), encoding.get()));
+        EXPECT_TRUE(writer->putString(form == 0 ? compact.get() : static_cast<String*>(wide.get())));
+        EXPECT_TRUE(writer->writeString(form == 0 ? compact.get() : static_cast<String*>(wide.get()), 2));
+        written[form] = Bytes(data.get());
+      }
+      EXPECT_EQ(written[0], written[1]) << "encoding " << id << (html ? " in HTML" : "");
+    }
+  }
+}
+
 TEST_F(WriterTest, MultiWriterWritesToAllEvenAfterAFailure) {
   // "rwb" opens read-only: every write to it falls short.
   std::string path = testing::TempDir() + "ZnWriterTest." + std::to_string(getpid());
