@@ -61,28 +61,30 @@ void appendRepeated(Zn::MutableString* theText, ZnUnichar theCharacter, ZnIndex 
 
 /// The longest run of theCharacter in theText.
 ZnIndex longestRun(const Zn::String* theText, ZnIndex theStart, ZnIndex theEnd, ZnUnichar theCharacter) {
-  ZnIndex longest = 0;
-  ZnIndex run = 0;
-  for (ZnIndex i = theStart; i < theEnd; ++i) {
-    run = theText->characterAtIndex(i) == theCharacter ? run + 1 : 0;
-    if (run > longest)
-      longest = run;
-  }
-  return longest;
+  return theText->withCharacters([&](auto theUnits, ZnIndex) {
+    ZnIndex longest = 0;
+    ZnIndex run = 0;
+    for (ZnIndex i = theStart; i < theEnd; ++i) {
+      run = theUnits[i] == theCharacter ? run + 1 : 0;
+      if (run > longest)
+        longest = run;
+    }
+    return longest;
+  });
 }
 
 /// Whether the last word of theText is a web address.
 bool endsInAddress(const Zn::String* theText) {
   ZnIndex start = theText->length();
-  while (start > 0 && kindOf(theText->characterAtIndex(start - 1)) != Kind::kSpace)
+  while (start > 0 && kindOf(theText->unitAt(start - 1)) != Kind::kSpace)
     --start;
   for (ZnIndex i = start; i + 2 < theText->length(); ++i) {
-    const ZnUnichar c = theText->characterAtIndex(i);
-    if (c == ':' && theText->characterAtIndex(i + 1) == '/' && theText->characterAtIndex(i + 2) == '/')
+    const ZnUnichar c = theText->unitAt(i);
+    if (c == ':' && theText->unitAt(i + 1) == '/' && theText->unitAt(i + 2) == '/')
       return true;
     if (i == start && (c | 0x20) == 'w' && i + 3 < theText->length() &&
-        (theText->characterAtIndex(i + 1) | 0x20) == 'w' && (theText->characterAtIndex(i + 2) | 0x20) == 'w' &&
-        theText->characterAtIndex(i + 3) == '.')
+        (theText->unitAt(i + 1) | 0x20) == 'w' && (theText->unitAt(i + 2) | 0x20) == 'w' &&
+        theText->unitAt(i + 3) == '.')
       return true;
   }
   return false;
@@ -156,7 +158,7 @@ bool MarkdownWriter::holdsText() const {
   if (!open_)
     return false;
   for (ZnIndex i = 0; i < held_->length(); ++i) {
-    const ZnUnichar c = held_->characterAtIndex(i);
+    const ZnUnichar c = held_->unitAt(i);
     if (!isBlank(c) && !isLineBreak(c))
       return true;
   }
@@ -185,8 +187,8 @@ void MarkdownWriter::emit(const Block& theBlock, Zn::MutableString* theText) {
   const bool item = theBlock.shape == Shape::kListItem;
   const ZnIndex length = theText->length();
   ZnIndex firstText = 0;
-  while (firstText < length && (isBlank(theText->characterAtIndex(firstText)) ||
-                                isLineBreak(theText->characterAtIndex(firstText))))
+  while (firstText < length && (isBlank(theText->unitAt(firstText)) ||
+                                isLineBreak(theText->unitAt(firstText))))
     ++firstText;
   // An empty cell is no paragraph; an empty heading is still a heading.
   if (firstText == length && !heading)
@@ -203,10 +205,10 @@ void MarkdownWriter::emit(const Block& theBlock, Zn::MutableString* theText) {
   bool gap = false;
   ZnIndex start = firstText;
   for (ZnIndex i = firstText; i <= length; ++i) {
-    if (i < length && !isLineBreak(theText->characterAtIndex(i)))
+    if (i < length && !isLineBreak(theText->unitAt(i)))
       continue;
     ZnIndex end = i;
-    while (end > start && isBlank(theText->characterAtIndex(end - 1)))
+    while (end > start && isBlank(theText->unitAt(end - 1)))
       --end;
     const ZnIndex lineStart = start;
     start = i + 1;
@@ -235,7 +237,7 @@ void MarkdownWriter::emit(const Block& theBlock, Zn::MutableString* theText) {
         appendRepeated(out, ' ', markerWidth);
     }
     for (ZnIndex k = lineStart; k < end; ++k)
-      out->appendCharacter(theText->characterAtIndex(k));
+      out->appendCharacter(theText->unitAt(k));
     ++count;
     gap = false;
   }
@@ -247,33 +249,31 @@ void MarkdownWriter::emitFence(const Block& theBlock, const Zn::String* theText)
   ZnIndex start = 0;
   ZnIndex end = theText->length();
   for (ZnIndex i = 0; i < end; ++i) {
-    const ZnUnichar c = theText->characterAtIndex(i);
+    const ZnUnichar c = theText->unitAt(i);
     if (isLineBreak(c))
       start = i + 1;
     else if (!isBlank(c))
       break;
   }
-  while (end > start && (isBlank(theText->characterAtIndex(end - 1)) || isLineBreak(theText->characterAtIndex(end - 1))))
+  while (end > start && (isBlank(theText->unitAt(end - 1)) || isLineBreak(theText->unitAt(end - 1))))
     --end;
   if (end <= start)
     return;
   separate(Shape::kFence);
   const ZnIndex fence = std::max<ZnIndex>(3, longestRun(theText, start, end, '`') + 1);
   Zn::MutableString* out = out_.get();
-  appendRepeated(out, ' ', theBlock.indent);
   appendRepeated(out, '`', fence);
   appendBytes(out, theBlock.info);
   out->appendCharacter(10);
-  bool lineStart = true;
-  for (ZnIndex i = start; i < end; ++i) {
-    const ZnUnichar c = theText->characterAtIndex(i);
-    if (lineStart && !isLineBreak(c))
-      appendRepeated(out, ' ', theBlock.indent);
-    out->appendCharacter(isLineBreak(c) ? ZnUnichar(10) : c);
-    lineStart = isLineBreak(c);
-  }
+  flushOutput();
+  // The code goes out as it stands, in one write.
+  theText->withCharacters([&](auto theUnits, ZnIndex) {
+    if constexpr (sizeof(*theUnits) == 1)
+      output_->writeBytes(theUnits + start, end - start);
+    else
+      output_->writeCharacters(theUnits + start, end - start);
+  });
   out->appendCharacter(10);
-  appendRepeated(out, ' ', theBlock.indent);
   appendRepeated(out, '`', fence);
   flushOutput();
 }
@@ -286,10 +286,10 @@ bool MarkdownWriter::beginsAddress(const Zn::MutableString* theText, ZnUnichar t
     if (theText->length() < length)
       return false;
     for (ZnIndex i = 0; i < length; ++i)
-      if (theText->characterAtIndex(theText->length() - length + i) != ZnUnichar(theTail[i]))
+      if (theText->unitAt(theText->length() - length + i) != ZnUnichar(theTail[i]))
         return false;
     // Only where a word starts: "awww." is none.
-    return theText->length() == length || kindOf(theText->characterAtIndex(theText->length() - length - 1)) != Kind::kOther;
+    return theText->length() == length || kindOf(theText->unitAt(theText->length() - length - 1)) != Kind::kOther;
   };
   if (theCharacter == '/')
     return endsWith("http://") || endsWith("https://") || endsWith("ftp://");
@@ -336,7 +336,7 @@ void MarkdownWriter::appendEscaped(Zn::MutableString* theText, ZnUnichar theChar
 
 void MarkdownWriter::appendEscaped(Zn::MutableString* theText, const Zn::String* theSource, LineState& theLine) {
   for (ZnIndex i = 0; i < theSource->length(); ++i)
-    appendEscaped(theText, theSource->characterAtIndex(i), theLine);
+    appendEscaped(theText, theSource->unitAt(i), theLine);
 }
 
 void MarkdownWriter::take(ZnUnichar theCharacter) {
@@ -372,12 +372,21 @@ bool MarkdownWriter::writeCharacter(ZnUnichar theCharacter) {
 }
 
 bool MarkdownWriter::writeCharacters(const ZnUnichar* theCharacters, int theCount) {
+  // Code goes into its fence as it is.
+  if (open_ && block_.shape == Shape::kFence && pendingLength_ == 0) {
+    held_->appendCharacters(theCharacters, theCount);
+    return true;
+  }
   for (int i = 0; i < theCount; ++i)
     take(theCharacters[i]);
   return true;
 }
 
 bool MarkdownWriter::writeBytes(const uint8_t* theBytes, int theCount) {
+  if (open_ && block_.shape == Shape::kFence && pendingLength_ == 0) {
+    held_->appendCString(reinterpret_cast<const char*>(theBytes), theCount);
+    return true;
+  }
   for (int i = 0; i < theCount; ++i)
     take(theBytes[i]);
   return true;
@@ -395,19 +404,19 @@ void MarkdownWriter::emphasize(Mark theMark, const char* theDelimiter) {
     return;
   Zn::MutableString* text = held_.get();
   ZnIndex first = theMark.position;
-  while (first < text->length() && isBlank(text->characterAtIndex(first)))
+  while (first < text->length() && isBlank(text->unitAt(first)))
     ++first;
   if (first == text->length())
     return;
   ZnIndex last = text->length() - 1;
-  while (isBlank(text->characterAtIndex(last)))
+  while (isBlank(text->unitAt(last)))
     --last;
   for (ZnIndex i = first; i <= last; ++i)
-    if (isLineBreak(text->characterAtIndex(i)))
+    if (isLineBreak(text->unitAt(i)))
       return;
-  const ZnUnichar before = first > 0 ? text->characterAtIndex(first - 1) : ZnUnichar(10);
-  const ZnUnichar head = text->characterAtIndex(first);
-  const ZnUnichar tail = text->characterAtIndex(last);
+  const ZnUnichar before = first > 0 ? text->unitAt(first - 1) : ZnUnichar(10);
+  const ZnUnichar head = text->unitAt(first);
+  const ZnUnichar tail = text->unitAt(last);
   // Asterisks next to each other would merge into one run.
   if (before == '*' || head == '*' || tail == '*')
     return;
@@ -450,7 +459,7 @@ void MarkdownWriter::putCodeSpan(const Zn::String* theText) {
   const ZnIndex fence = longestRun(code.get(), 0, code->length(), '`') + 1;
   // A backtick at either end would join the fence; a blank on each side
   // keeps it apart and is taken off again by the reader.
-  const bool pad = code->characterAtIndex(0) == '`' || code->characterAtIndex(code->length() - 1) == '`';
+  const bool pad = code->unitAt(0) == '`' || code->unitAt(code->length() - 1) == '`';
   auto span = adopt(new Zn::MutableString(code->length() + 2 * fence + 2));
   appendRepeated(span.get(), '`', fence);
   if (pad)
@@ -460,7 +469,7 @@ void MarkdownWriter::putCodeSpan(const Zn::String* theText) {
     span->appendCharacter(' ');
   appendRepeated(span.get(), '`', fence);
   // Two spans side by side would read as one run of backticks.
-  if (open_ && held_->length() > 0 && held_->characterAtIndex(held_->length() - 1) == '`')
+  if (open_ && held_->length() > 0 && held_->unitAt(held_->length() - 1) == '`')
     requestSeparator(kSpaceSeparator);
   setRaw(true);
   putString(span.get());
@@ -474,7 +483,7 @@ void MarkdownWriter::putLink(const Zn::String* theLabel, const Zn::String* theUR
   bool angled = false;
   bool plain = true;
   for (ZnIndex i = 0; i < theURL->length(); ++i) {
-    const ZnUnichar c = theURL->characterAtIndex(i);
+    const ZnUnichar c = theURL->unitAt(i);
     if (c <= ' ' || c == '(' || c == ')' || c == '<' || c == '>' || c == '\\')
       angled = true;
     if (c <= ' ' || c == '<' || c == '>' || c == '\\')
@@ -482,7 +491,7 @@ void MarkdownWriter::putLink(const Zn::String* theLabel, const Zn::String* theUR
   }
   auto destination = adopt(new Zn::MutableString(theURL->length() + 8));
   for (ZnIndex i = 0; i < theURL->length(); ++i) {
-    const ZnUnichar c = theURL->characterAtIndex(i);
+    const ZnUnichar c = theURL->unitAt(i);
     if (isLineBreak(c))
       continue;
     if (!plain && (c == '<' || c == '>' || c == '\\'))
