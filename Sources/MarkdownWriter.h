@@ -26,7 +26,8 @@ public:
     Shape shape = Shape::kParagraph;
     /// A heading's level, 1 to 6.
     int32_t level = 1;
-    /// Blanks before every line: the nesting of a list.
+    /// Blanks before every line: the nesting of a list. A fence stands at
+    /// the margin.
     int32_t indent = 0;
     /// A list item's marker, "- " or "1. ".
     const char* marker = "";
@@ -54,8 +55,6 @@ public:
 
   /// Whether the text written now goes into a fence, as it is.
   bool isVerbatim() const { return open_ && block_.shape == Shape::kFence; }
-  /// The shape of the open block, or of the one that text would open.
-  Shape getShape() const { return open_ ? block_.shape : resume_.shape; }
   /// Whether the open block holds anything but blanks and line breaks.
   bool holdsText() const;
   /// While set, characters go into the block as they are: the renderer's

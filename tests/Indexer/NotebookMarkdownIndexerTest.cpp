@@ -15,104 +15,40 @@ void PrintTo(const Golden& theCase, std::ostream* theStream) { *theStream << the
 
 const Golden kGoldens[] = {
     // Front matter: a title, authors, or nothing.
-    {"TitleAndAuthorMakeFrontMatter",
-     R"nb(Cell["A \"quoted\" \\ title", "Title"], Cell["Ann Lee", "Author"])nb",
-     "---\n"
-     "title: \"A \\\"quoted\\\" \\\\ title\"\n"
-     "author: \"Ann Lee\"\n"
-     "---\n"
-     "\n"
-     "# A \"quoted\" \\\\ title\n"
-     "\n"
-     "Ann Lee\n"},
+    {"TitleAndAuthorMakeFrontMatter", R"nb(Cell["A \"quoted\" \\ title", "Title"], Cell["Ann Lee", "Author"])nb",
+     "---\ntitle: \"A \\\"quoted\\\" \\\\ title\"\nauthor: \"Ann Lee\"\n---\n\n"
+     "# A \"quoted\" \\\\ title\n\nAnn Lee\n"},
     {"AnAuthorsLinkShowsItsLabelInTheFrontMatter",
      R"nb(Cell[TextData[{"By ", ButtonBox["Ann", BaseStyle->"Hyperlink", ButtonData->{URL["http://ann.org"], None}]}], "Author"])nb",
-     "---\n"
-     "author: \"By Ann\"\n"
-     "---\n"
-     "\n"
-     "By [Ann](http://ann.org)\n"},
-    {"SeveralAuthorsAreAList",
-     R"nb(Cell["Ann", "Author"], Cell["Bo", "Author"])nb",
-     "---\n"
-     "author:\n"
-     "  - \"Ann\"\n"
-     "  - \"Bo\"\n"
-     "---\n"
-     "\n"
-     "Ann\n"
-     "\n"
-     "Bo\n"},
-    {"WindowTitleWhenNoTitleCell",
-     R"nb(Cell["text", "Text"]}, WindowTitle->"Window name", Dummy->{)nb",
-     "---\n"
-     "title: \"Window name\"\n"
-     "---\n"
-     "\n"
-     "text\n"},
-    {"NoFrontMatterWithoutTitleOrAuthor",
-     R"nb(Cell["just text", "Text"])nb",
+     "---\nauthor: \"By Ann\"\n---\n\nBy [Ann](http://ann.org)\n"},
+    {"SeveralAuthorsAreAList", R"nb(Cell["Ann", "Author"], Cell["Bo", "Author"])nb",
+     "---\nauthor:\n  - \"Ann\"\n  - \"Bo\"\n---\n\nAnn\n\nBo\n"},
+    {"WindowTitleWhenNoTitleCell", R"nb(Cell["text", "Text"]}, WindowTitle->"Window name", Dummy->{)nb",
+     "---\ntitle: \"Window name\"\n---\n\ntext\n"},
+    {"NoFrontMatterWithoutTitleOrAuthor", R"nb(Cell["just text", "Text"])nb",
      "just text\n"},
     // Headings.
     {"OutlineLevelsInUseNumberFromOne",
      R"nb(Cell["T", "Title"], Cell["S", "Section"], Cell["U", "Subsection"], Cell["V", "Subsubsubsection"])nb",
-     "---\n"
-     "title: \"T\"\n"
-     "---\n"
-     "\n"
-     "# T\n"
-     "\n"
-     "## S\n"
-     "\n"
-     "### U\n"
-     "\n"
-     "#### V\n"},
-    {"SectionsAloneStartAtOne",
-     R"nb(Cell["S", "Section"], Cell["U", "Subsection"], Cell["S2", "Section"])nb",
-     "# S\n"
-     "\n"
-     "## U\n"
-     "\n"
-     "# S2\n"},
-    {"HeadingIsOneLine",
-     R"nb(Cell["two\nlines # x", "Section"], Cell["", "Section"])nb",
-     "# two lines \\# x\n"
-     "\n"
-     "#\n"},
+     "---\ntitle: \"T\"\n---\n\n# T\n\n## S\n\n### U\n\n#### V\n"},
+    {"HeadingIsOneLine", R"nb(Cell["two\nlines # x", "Section"], Cell["", "Section"])nb",
+     "# two lines \\# x\n\n#\n"},
     {"SectionNumbersStayInTheHeading",
      R"nb(Cell[TextData[{CounterBox["Section"], ". Intro"}], "Section"], Cell[TextData[{CounterBox["Section"], ". More"}], "Section"])nb",
-     "# 1\\. Intro\n"
-     "\n"
-     "# 2\\. More\n"},
+     "# 1\\. Intro\n\n# 2\\. More\n"},
     // Paragraphs and escaping.
-    {"LineBreaksAreHardBreaks",
-     R"nb(Cell["one\ntwo\n\nthree", "Text"])nb",
-     "one\\\n"
-     "two\n"
-     "\n"
-     "three\n"},
-    {"MarkupCharactersAreEscaped",
-     R"nb(Cell["a*b_c [d] <e> #f |g| ~h~ &i; \\j `k`", "Text"])nb",
+    {"LineBreaksAreHardBreaks", R"nb(Cell["one\ntwo\n\nthree", "Text"])nb",
+     "one\\\ntwo\n\nthree\n"},
+    {"MarkupCharactersAreEscaped", R"nb(Cell["a*b_c [d] <e> #f |g| ~h~ &i; \\j `k`", "Text"])nb",
      "a\\*b\\_c \\[d\\] &lt;e&gt; \\#f \\|g\\| \\~h\\~ \\&i; \\\\j \\`k\\`\n"},
-    {"LineStartsThatMakeBlocksAreEscaped",
-     R"nb(Cell["- a\n+ b\n= c\n12. d\n3) e\n    f\n> g", "Text"])nb",
-     "\\- a\\\n"
-     "\\+ b\\\n"
-     "\\= c\\\n"
-     "12\\. d\\\n"
-     "3\\) e\\\n"
-     "f\\\n"
-     "&gt; g\n"},
+    {"LineStartsThatMakeBlocksAreEscaped", R"nb(Cell["- a\n+ b\n= c\n12. d\n3) e\n    f\n> g", "Text"])nb",
+     "\\- a\\\n\\+ b\\\n\\= c\\\n12\\. d\\\n3\\) e\\\nf\\\n&gt; g\n"},
     {"WebAddressesAreWrittenAsTheyStand",
      R"nb(Cell["see http://x.org/a_b*c and www.y.org/p_q, not a_b", "Text"])nb",
      "see http://x.org/a_b*c and www.y.org/p_q, not a\\_b\n"},
-    {"AHardBreakStaysOutOfAWebAddress",
-     R"nb(Cell["see http://x.org/a\nnext www.y.org\nlast", "Text"])nb",
-     "see http://x.org/a \\\n"
-     "next www.y.org \\\n"
-     "last\n"},
-    {"GreekLettersAreCharacters",
-     R"nb(Cell["\[Alpha] + \[CapitalOmega] \[Rule] caf\[EAcute]", "Text"])nb",
+    {"AHardBreakStaysOutOfAWebAddress", R"nb(Cell["see http://x.org/a\nnext www.y.org\nlast", "Text"])nb",
+     "see http://x.org/a \\\nnext www.y.org \\\nlast\n"},
+    {"GreekLettersAreCharacters", R"nb(Cell["\[Alpha] + \[CapitalOmega] \[Rule] caf\[EAcute]", "Text"])nb",
      "α + Ω -&gt; café\n"},
     // Emphasis.
     {"BoldAndItalicStyleBoxes",
@@ -127,15 +63,10 @@ const Golden kGoldens[] = {
     {"EmphasisEndingInPunctuationNeedsABreakAfter",
      R"nb(Cell[TextData[{StyleBox["Note:", FontWeight->"Bold"], " ok, ", StyleBox["x.", FontWeight->"Bold"], "y"}], "Text"])nb",
      "**Note:** ok, x.y\n"},
-    {"EmphasisNeverSpansLines",
-     R"nb(Cell[TextData[{StyleBox["a\nb", FontWeight->"Bold"]}], "Text"])nb",
-     "a\\\n"
-     "b\n"},
-    {"NoEmphasisInCode",
-     R"nb(Cell[BoxData[StyleBox["x", FontWeight->"Bold"]], "Input"])nb",
-     "```\n"
-     "x\n"
-     "```\n"},
+    {"EmphasisNeverSpansLines", R"nb(Cell[TextData[{StyleBox["a\nb", FontWeight->"Bold"]}], "Text"])nb",
+     "a\\\nb\n"},
+    {"NoEmphasisInCode", R"nb(Cell[BoxData[StyleBox["x", FontWeight->"Bold"]], "Input"])nb",
+     "```\nx\n```\n"},
     // Links.
     {"HyperlinksAreLinks",
      R"nb(Cell[TextData[{"See ", ButtonBox["the site", BaseStyle->"Hyperlink", ButtonData->{URL["http://x.org/a"], None}], "."}], "Text"])nb",
@@ -148,9 +79,7 @@ const Golden kGoldens[] = {
      "<http://x.org>\n"},
     {"LinksInCodeAreText",
      R"nb(Cell[BoxData[ButtonBox["x", BaseStyle->"Hyperlink", ButtonData->{URL["http://x.org"], None}]], "Output"])nb",
-     "```output\n"
-     "x <http://x.org>\n"
-     "```\n"},
+     "```output\nx <http://x.org>\n```\n"},
     // Inline cells.
     {"InlineCellsAreCodeSpans",
      R"nb(Cell[TextData[{"Let ", Cell[BoxData[RowBox[{"x", "+", SuperscriptBox["y", "2"]}]]], " be."}], "Text"])nb",
@@ -158,116 +87,44 @@ const Golden kGoldens[] = {
     {"BackticksInACodeSpanLengthenItsFence",
      R"nb(Cell[TextData[{"a ", Cell[BoxData["\"`q`\""]], " b ", Cell[BoxData["\"x``y\""]]}], "Text"])nb",
      "a `` `q` `` b ```x``y```\n"},
-    {"CodeSpansSideBySideStayApart",
-     R"nb(Cell[TextData[{Cell[BoxData["x"]], Cell[BoxData["y"]]}], "Text"])nb",
+    {"CodeSpansSideBySideStayApart", R"nb(Cell[TextData[{Cell[BoxData["x"]], Cell[BoxData["y"]]}], "Text"])nb",
      "`x` `y`\n"},
     // Lists.
     {"ItemsNestAsLists",
      R"nb(Cell["a", "Item"], Cell["b", "Item"], Cell["b1", "Subitem"], Cell["b2", "SubitemNumbered"], Cell["more of b", "ItemParagraph"], Cell["n", "ItemNumbered"], Cell["after", "Text"])nb",
-     "- a\n"
-     "- b\n"
-     "  - b1\n"
-     "  1. b2\n"
-     "\n"
-     "  more of b\n"
-     "\n"
-     "1. n\n"
-     "\n"
-     "after\n"},
-    {"ASubitemWithoutItemIsAnItem",
-     R"nb(Cell["s", "Subsubitem"], Cell["p", "SubitemParagraph"])nb",
-     "- s\n"
-     "\n"
-     "  p\n"},
-    {"ListItemLinesStandUnderTheFirst",
-     R"nb(Cell["first\nsecond", "Item"])nb",
-     "- first\\\n"
-     "  second\n"},
+     "- a\n- b\n  - b1\n  1. b2\n\n  more of b\n\n1. n\n\nafter\n"},
+    {"ASubitemWithoutItemIsAnItem", R"nb(Cell["s", "Subsubitem"], Cell["p", "SubitemParagraph"])nb",
+     "- s\n\n  p\n"},
+    {"ListItemLinesStandUnderTheFirst", R"nb(Cell["first\nsecond", "Item"])nb",
+     "- first\\\n  second\n"},
     // Fences.
     {"CodeAndOutputAreFenced",
      R"nb(Cell[BoxData[RowBox[{"f", "[", "x", "]"}]], "Input"], Cell[BoxData["x"], "Output"], Cell["printed", "Print"], Cell["msg", "Message"])nb",
-     "```\n"
-     "f[x]\n"
-     "```\n"
-     "\n"
-     "```output\n"
-     "x\n"
-     "```\n"
-     "\n"
-     "```output\n"
-     "printed\n"
-     "```\n"
-     "\n"
-     "```output\n"
-     "msg\n"
-     "```\n"},
-    {"BackticksInCodeLengthenTheFence",
-     R"nb(Cell["a ```b``` c", "Code"])nb",
-     "````\n"
-     "a ```b``` c\n"
-     "````\n"},
+     "```\nf[x]\n```\n\n```output\nx\n```\n\n```output\nprinted\n```\n\n```output\nmsg\n```\n"},
+    {"BackticksInCodeLengthenTheFence", R"nb(Cell["a ```b``` c", "Code"])nb",
+     "````\na ```b``` c\n````\n"},
     {"CodeKeepsItsIndentation",
      R"nb(Cell[BoxData[RowBox[{"f", "[", "\[IndentingNewLine]", "x", "\[IndentingNewLine]", "]"}]], "Input"])nb",
-     "```\n"
-     "f[\n"
-     "\tx\n"
-     "]\n"
-     "```\n"},
+     "```\nf[\n\tx\n]\n```\n"},
     // Grids.
-    {"RectangularGridIsATable",
-     R"nb(Cell[BoxData[GridBox[{{"a", "b|c"}, {"1", "*2*"}}]], "Output"])nb",
-     "| a | b\\|c |\n"
-     "| --- | --- |\n"
-     "| 1 | \\*2\\* |\n"},
+    {"RectangularGridIsATable", R"nb(Cell[BoxData[GridBox[{{"a", "b|c"}, {"1", "*2*"}}]], "Output"])nb",
+     "| a | b\\|c |\n| --- | --- |\n| 1 | \\*2\\* |\n"},
     {"GridInTextIsATableBetweenParagraphs",
      R"nb(Cell[TextData[{"before ", Cell[BoxData[GridBox[{{"x", "y"}}]]], " after"}], "Text"], Cell[TextData[{"before ", GridBox[{{"x", "y"}}], " after"}], "Text"])nb",
-     "before `x y` after\n"
-     "\n"
-     "before\n"
-     "\n"
-     "| x | y |\n"
-     "| --- | --- |\n"
-     "\n"
-     "after\n"},
+     "before `x y` after\n\nbefore\n\n| x | y |\n| --- | --- |\n\nafter\n"},
     {"MatrixInOutputKeepsItsLayout",
      R"nb(Cell[BoxData[RowBox[{"(", GridBox[{{"a", "b"}, {"c", "d"}}], ")"}]], "Output"])nb",
-     "```output\n"
-     "(a\tb\n"
-     "c\td\t)\n"
-     "```\n"},
-    {"OutputAfterATableIsFencedAgain",
-     R"nb(Cell[BoxData[RowBox[{GridBox[{{"a", "b"}}], "rest"}]], "Output"])nb",
-     "| a | b |\n"
-     "| --- | --- |\n"
-     "\n"
-     "```output\n"
-     "rest\n"
-     "```\n"},
-    {"RaggedGridIsFenced",
-     R"nb(Cell[TextData[{GridBox[{{"a", "b"}, {"c"}}]}], "Text"])nb",
-     "```\n"
-     "a\tb\n"
-     "c\n"
-     "```\n"},
-    {"GridWithABrokenEntryIsLaidOutInItsFence",
-     R"nb(Cell[BoxData[GridBox[{{"a", "two\nlines"}}]], "Output"])nb",
-     "```output\n"
-     "a\ttwo\n"
-     "lines\n"
-     "```\n"},
-    {"GridInCodeIsCode",
-     R"nb(Cell[BoxData[GridBox[{{"a", "b"}}]], "Input"])nb",
-     "```\n"
-     "a\tb\n"
-     "```\n"},
+     "```output\n(a\tb\nc\td\t)\n```\n"},
+    {"OutputAfterATableIsFencedAgain", R"nb(Cell[BoxData[RowBox[{GridBox[{{"a", "b"}}], "rest"}]], "Output"])nb",
+     "| a | b |\n| --- | --- |\n\n```output\nrest\n```\n"},
+    {"RaggedGridIsFenced", R"nb(Cell[TextData[{GridBox[{{"a", "b"}, {"c"}}]}], "Text"])nb",
+     "```\na\tb\nc\n```\n"},
+    {"GridWithABrokenEntryIsLaidOutInItsFence", R"nb(Cell[BoxData[GridBox[{{"a", "two\nlines"}}]], "Output"])nb",
+     "```output\na\ttwo\nlines\n```\n"},
     // Graphics and controls.
     {"GraphicsAndControlsAsTheTextShowsThem",
      R"nb(Cell[BoxData[RowBox[{CheckboxBox[True], " ", RadioButtonBox[1, {1}], " ", GraphicsBox[{}, PlotLabel->"Plot"]}]], "Output"], Cell[TextData[{"x ", Cell[BoxData[CheckboxBox[False]]]}], "Text"])nb",
-     "```output\n"
-     " [X]   (*)  Plot\n"
-     "```\n"
-     "\n"
-     "x `[ ]`\n"},
+     "```output\n [X]   (*)  Plot\n```\n\nx `[ ]`\n"},
 };
 
 class NotebookMarkdownGoldenTest : public testing::TestWithParam<Golden> {};
