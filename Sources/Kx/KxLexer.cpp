@@ -73,109 +73,6 @@ constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 } // namespace
 
-//===--- Shared atoms -----------------------------------------------------------===//
-
-template <class EntryT> AtomTable::Slots<EntryT>::~Slots() {
-  for (ZnIndex i = 0; i < capacity_; ++i)
-    if (slots_[i].atom)
-      slots_[i].atom->release();
-  Free(slots_);
-}
-
-template <class EntryT>
-template <class Matches>
-EntryT* AtomTable::Slots<EntryT>::find(uint32_t theHash, Matches theMatches) {
-  if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
-    // Rehash into twice the room. A small start: the parsers that the walk
-    // makes for box groups in strings read a few atoms each.
-    ZnIndex capacity = capacity_ == 0 ? 64 : capacity_ * 2;
-    auto* slots = static_cast<EntryT*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(EntryT)));
-    for (ZnIndex i = 0; i < capacity_; ++i) {
-      if (!slots_[i].atom)
-        continue;
-      ZnIndex j = ZnIndex(slots_[i].hashValue() & uint32_t(capacity - 1));
-      while (slots[j].atom)
-        j = (j + 1) & (capacity - 1);
-      slots[j] = slots_[i];
-    }
-    Free(slots_);
-    slots_ = slots;
-    capacity_ = capacity;
-  }
-  ZnIndex j = ZnIndex(theHash & uint32_t(capacity_ - 1));
-  for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1))
-    if (theMatches(slots_[j]))
-      break;
-  return &slots_[j];
-}
-
-template <class EntryT> void AtomTable::Slots<EntryT>::insert(EntryT* theSlot, const EntryT& theEntry) {
-  if (count_ >= kMaximumEntries || count_ * 2 >= capacity_)
-    return;
-  *theSlot = theEntry;
-  theSlot->atom->retain();
-  ++count_;
-}
-
-Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
-  const ZnIndex length = theText->length();
-  uint32_t hash = theText->withCharacters([](auto theUnits, ZnIndex theLength) {
-    uint32_t h = 2166136261u;
-    for (ZnIndex i = 0; i < theLength; ++i)
-      h = (h ^ theUnits[i]) * 16777619u;
-    return h;
-  });
-  hash ^= theIsSymbol ? 1 : 0;
-  Entry* slot = texts_.find(hash, [&](const Entry& theEntry) {
-    return theEntry.hash == hash && theEntry.length == length && theEntry.isSymbol == theIsSymbol &&
-           theEntry.text->isEqual(theText);
-  });
-  if (slot->atom)
-    return retained(slot->atom).leak();
-  auto characters = adopt(String::createWithString(theText));
-  Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
-                           : static_cast<Expr*>(new CharacterString(characters.get(), true));
-  texts_.insert(slot, {atom, characters.get(), length, hash, theIsSymbol});
-  return atom;
-}
-
-Expr* AtomTable::symbol(const MutableString* theName) { return find(theName, true); }
-
-Expr* AtomTable::string(const MutableString* theText) {
-  if (theText->length() > kMaximumStringLength)
-    return new CharacterString(CopyText(theText), false);
-  return find(theText, false);
-}
-
-AtomTable::~AtomTable() {
-  for (Expr* integer : integers_)
-    if (integer)
-      integer->release();
-}
-
-Expr* AtomTable::integer(int32_t theValue) {
-  if (theValue < 0 || theValue >= kSmallIntegers)
-    return new MachineInteger(theValue);
-  Expr*& shared = integers_[theValue];
-  if (!shared)
-    shared = new MachineInteger(theValue);
-  return retained(shared).leak();
-}
-
-/// Spreads the bits of a double, whose low bits are mostly zero, over a hash.
-uint32_t AtomTable::RealEntry::hashValue() const { return uint32_t((bits * 0x9E3779B97F4A7C15u) >> 32); }
-
-Expr* AtomTable::real(double theValue) {
-  RealEntry entry = {nullptr, 0};
-  std::memcpy(&entry.bits, &theValue, sizeof entry.bits);
-  RealEntry* slot = reals_.find(entry.hashValue(), [&](const RealEntry& theEntry) { return theEntry.bits == entry.bits; });
-  if (slot->atom)
-    return retained(slot->atom).leak();
-  entry.atom = new MachineReal(theValue);
-  reals_.insert(slot, entry);
-  return entry.atom;
-}
-
 //===--- The lexer --------------------------------------------------------------===//
 
 Lexer::Lexer(ExprParser* theParser, Reader* theReader, int32_t theNesting)
@@ -465,7 +362,7 @@ void Lexer::skipFileName() {
       return;
   } while (c == ' ' || c == '\t');
   if (c == '"') {
-    text_->setLength(0);
+    text_->removeAll();
     scanQuoted(text_.get(), false);
     return;
   }
@@ -511,7 +408,7 @@ bool Lexer::readEscapedCharacter(ZnUnichar* theCharacter) {
 }
 
 bool Lexer::scanName(ZnUnichar theFirst) {
-  text_->setLength(0);
+  text_->removeAll();
   ZnUnichar c = theFirst;
   for (;;) {
     if (IsNameStart(c) || (IsDigit(c) && text_->length() > 0)) {
@@ -687,7 +584,7 @@ double RealValue(const NumberDigits& theDigits, int32_t theExponent, const Mutab
 
 int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
   NumberDigits digits;
-  text_->setLength(0);
+  text_->removeAll();
   ZnUnichar c = theFirst;
   bool more = true;
   // The digits of the current base, with at most one point among them; a
@@ -732,7 +629,7 @@ int32_t Lexer::scanNumber(ZnUnichar theFirst, ParseValue* theValue) {
       int32_t base = int32_t(digits.integer);
       digits = NumberDigits();
       digits.base = base < 2 ? 2 : base > 36 ? 36 : base;
-      text_->setLength(0);
+      text_->removeAll();
       more = get(&c);
       readDigits();
     }
@@ -878,7 +775,7 @@ bool Lexer::scanGroup(const char* theOpening, MutableString* theText, bool thePa
   SourceRange range;
   range.startLine = reader_->getLine();
   range.startColumn = reader_->getColumn() - int64_t(StringLength(theOpening));
-  group_->setLength(0);
+  group_->removeAll();
   group_->appendCString(theOpening);
   int32_t depth = 1;
   ZnUnichar c;
@@ -945,11 +842,11 @@ void Lexer::flushPiece(MutableString* theText) {
   if (!pieces_)
     pieces_ = adopt(new MutableFunction(2, HeadSymbol(Head::List)));
   pieces_->appendArgument(new CharacterString(CopyText(theText), false), false);
-  theText->setLength(0);
+  theText->removeAll();
 }
 
 int32_t Lexer::scanString(ParseValue* theValue) {
-  text_->setLength(0);
+  text_->removeAll();
   pieces_ = nullptr;
   piecesDepth_ = 0;
   if (!scanQuoted(text_.get(), true)) {
@@ -1006,7 +903,7 @@ int32_t Lexer::scanBox(ParseValue* theValue) {
         // An operand left out of the notation: an empty string stands for it.
         unget(op);
         unget('\\');
-        text_->setLength(0);
+        text_->removeAll();
         *theValue = Atom(parser_->getAtoms()->string(text_.get()));
         return KxString;
       }
@@ -1044,7 +941,7 @@ int32_t Lexer::scanBox(ParseValue* theValue) {
 }
 
 int32_t Lexer::scanRun(ZnUnichar theFirst, ParseValue* theValue) {
-  text_->setLength(0);
+  text_->removeAll();
   ZnUnichar c = theFirst;
   for (;;) {
     if (IsSpace(c))
@@ -1110,7 +1007,7 @@ int32_t Lexer::scanElement(ParseValue* theValue) {
   // operator outside brackets, quotes and groups, or to the "\)" that closes
   // the enclosing group. Inside a group brackets are text ("\(]\)" is a
   // row holding "]"), and the brackets of "\[Name]" are no brackets at all.
-  text_->setLength(0);
+  text_->removeAll();
   ZnUnichar c;
   do {
     if (!get(&c)) {

@@ -1,5 +1,6 @@
 //===- KxLexer.h - Tokens of notebook expressions --------------------------===//
 #pragma once
+#include "Kx/KxAtomTable.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnString.h"
 
@@ -18,75 +19,6 @@ class MutableFunction;
 struct ParseValue {
   Expr* expr;
   int32_t depth;
-};
-
-/// Atoms that repeat throughout a notebook (names, short texts, small
-/// integers) are made once per parser and shared: expressions never change,
-/// and a large notebook would otherwise allocate the same few hundred names
-/// and box strings millions of times.
-class AtomTable {
-public:
-  AtomTable() = default;
-  AtomTable(const AtomTable&) = delete;
-  AtomTable& operator=(const AtomTable&) = delete;
-  ~AtomTable();
-
-  /// +1 each.
-  Expr* symbol(const MutableString* theName);
-  Expr* string(const MutableString* theText);
-  Expr* integer(int32_t theValue);
-  /// The same number for every equal value (equal bits: 0.0 and -0.0 differ).
-  Expr* real(double theValue);
-
-private:
-  struct Entry {
-    Expr* atom;                 // retained; null for a free slot
-    const String* text;         // the atom's own characters
-    ZnIndex length;
-    uint32_t hash;
-    bool isSymbol;
-    uint32_t hashValue() const { return hash; }
-  };
-  struct RealEntry {
-    Expr* atom;                 // retained; null for a free slot
-    uint64_t bits;
-    uint32_t hashValue() const;
-  };
-  /// An open-addressed table of entries, each with its atom (null for a
-  /// free slot) and its hashValue(). It doubles from 64 slots, keeping them
-  /// at most half full, until it holds kMaximumEntries.
-  template <class EntryT> class Slots {
-  public:
-    Slots() = default;
-    Slots(const Slots&) = delete;
-    Slots& operator=(const Slots&) = delete;
-    ~Slots();
-    /// The entry for which theMatches is true, or the free slot where such
-    /// an entry belongs; grows first while the table may.
-    template <class Matches> EntryT* find(uint32_t theHash, Matches theMatches);
-    /// Fills theSlot, the free one that find() returned, when there is room;
-    /// the table retains the entry's atom.
-    void insert(EntryT* theSlot, const EntryT& theEntry);
-
-  private:
-    EntryT* slots_ = nullptr;
-    ZnIndex capacity_ = 0;
-    ZnIndex count_ = 0;
-  };
-
-  /// Texts longer than this are rarely repeated and are not kept.
-  static constexpr ZnIndex kMaximumStringLength = 24;
-  /// Past this many entries a table stops growing (lookups go on).
-  static constexpr ZnIndex kMaximumEntries = 1 << 15;
-  static constexpr int32_t kSmallIntegers = 256;
-
-  Expr* find(const MutableString* theText, bool theIsSymbol);
-
-  Slots<Entry> texts_;
-  Expr* integers_[kSmallIntegers] = {};
-  // The reals of plots and styles repeat (coordinates, thicknesses, colour
-  // components): 600,000 of them in the 100 MB notebook.
-  Slots<RealEntry> reals_;
 };
 
 /// The token source of ExprParser. Reads code units from a reader, one at a

@@ -397,9 +397,11 @@ bool String::isEqual(const Object* theOther) const {
   if (theOther == this)
     return true;
   const String* other = AsString(theOther);
-  if (other == nullptr || other->length_ != length_)
-    return false;
-  return CompareStrings(this, other, length()) == 0;
+  return other != nullptr && hasSameUnits(other);
+}
+
+bool String::hasSameUnits(const String* theOther) const {
+  return theOther->length_ == length_ && CompareStrings(this, theOther, length()) == 0;
 }
 
 bool String::isEqualToCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) const {

@@ -93,6 +93,9 @@ public:
   ZnIndex indexOfCString(const char* theASCII, bool theCaseSensitive, ZnIndex theFromIndex) const;
 
   bool isEqual(const Object* theOther) const override;
+  /// Whether theOther holds the same units, in either form: isEqual for a
+  /// caller that knows it has a string.
+  bool hasSameUnits(const String* theOther) const;
   /// Whether the string holds exactly theLength units equal to theCharacters.
   bool isEqualToCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) const;
   int32_t compare(const Object* theOther) const override;
@@ -169,6 +172,13 @@ public:
   const ZnUnichar* getWideCharactersPtr() const;
   /// Shortens (or, within the capacity, lengthens) the string.
   void setLength(ZnIndex theLength);
+  /// Empties the string and returns it to one byte a unit, in the block it
+  /// has: a buffer refilled token after token stays narrow for the tokens
+  /// that are, whatever unit an earlier one held.
+  void removeAll() {
+    length_ = 0;
+    isWide_ = 0;
+  }
 
   /// Removes the last unit and returns it; the string must not be empty.
   ZnUnichar takeLastCharacter() {

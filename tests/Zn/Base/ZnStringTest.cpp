@@ -226,6 +226,25 @@ TEST_F(StringTest, MutableStringWidensOnTheFirstWideUnit) {
   }
 }
 
+// Emptied with removeAll, a buffer that went wide is narrow again for the
+// next text, in the block it had, and widens again only when it must.
+TEST_F(StringTest, RemoveAllReturnsABufferToOneByteAUnit) {
+  auto buffer = adopt(new MutableString(4));
+  const ZnUnichar smile[] = {'a', 0x263A};
+  for (int round = 0; round < 3; ++round) {
+    buffer->appendCharacters(smile, 2);
+    ASSERT_TRUE(buffer->isWide());
+    buffer->removeAll();
+    EXPECT_FALSE(buffer->isWide());
+    EXPECT_EQ(buffer->length(), 0);
+    buffer->appendCString("caf\xE9 long enough to grow the block");
+    EXPECT_FALSE(buffer->isWide());
+    EXPECT_TRUE(buffer->hasSameUnits(Wide(u"caf\u00e9 long enough to grow the block").get()));
+    buffer->removeAll();
+  }
+  EXPECT_LE(buffer->capacity(), 64);  // emptying never grows the block
+}
+
 // A piece of a wide string that holds no wide unit is compact again, and
 // equal to the same text built directly.
 TEST_F(StringTest, SubstringsAcrossTheWideUnitTakeTheFormTheyNeed) {

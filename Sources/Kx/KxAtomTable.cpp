@@ -1,0 +1,131 @@
+//===- KxAtomTable.cpp - Atoms shared within one parse ----------------------===//
+#include "Kx/KxAtomTable.h"
+#include <cstring>
+#include "Kx/KxNumber.h"
+#include "Kx/KxString.h"
+#include "Kx/KxSymbol.h"
+#include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnString.h"
+
+namespace Zn::Kx {
+
+template <class EntryT> AtomTable::Slots<EntryT>::~Slots() {
+  for (ZnIndex i = 0; i < capacity_; ++i)
+    if (slots_[i].atom)
+      slots_[i].atom->release();
+  Free(slots_);
+}
+
+template <class EntryT>
+template <class Matches>
+EntryT* AtomTable::Slots<EntryT>::find(uint32_t theHash, Matches theMatches) {
+  if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
+    // Rehash into twice the room. A small start: the parsers that the walk
+    // makes for box groups in strings read a few atoms each.
+    ZnIndex capacity = capacity_ == 0 ? 64 : capacity_ * 2;
+    auto* slots = static_cast<EntryT*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(EntryT)));
+    for (ZnIndex i = 0; i < capacity_; ++i) {
+      if (!slots_[i].atom)
+        continue;
+      ZnIndex j = ZnIndex(slots_[i].hashValue() & uint32_t(capacity - 1));
+      while (slots[j].atom)
+        j = (j + 1) & (capacity - 1);
+      slots[j] = slots_[i];
+    }
+    Free(slots_);
+    slots_ = slots;
+    capacity_ = capacity;
+  }
+  ZnIndex j = ZnIndex(theHash & uint32_t(capacity_ - 1));
+  for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1))
+    if (theMatches(slots_[j]))
+      break;
+  return &slots_[j];
+}
+
+template <class EntryT> void AtomTable::Slots<EntryT>::insert(EntryT* theSlot, const EntryT& theEntry) {
+  if (count_ >= kMaximumEntries || count_ * 2 >= capacity_)
+    return;
+  *theSlot = theEntry;
+  theSlot->atom->retain();
+  ++count_;
+}
+
+namespace {
+/// A hash of the bytes of a text, eight at a time. The lexer's texts are one
+/// byte a unit whenever they can be, as the atoms' own are, so equal texts
+/// hash alike; one that did not would only miss its shared atom.
+uint32_t HashBytes(const void* theBytes, Sys::size_t theCount) {
+  const auto* bytes = static_cast<const unsigned char*>(theBytes);
+  uint64_t hash = 0x9E3779B97F4A7C15u ^ theCount;
+  for (; theCount >= 8; bytes += 8, theCount -= 8) {
+    uint64_t word;
+    std::memcpy(&word, bytes, 8);
+    hash = (hash ^ word) * 0xFF51AFD7ED558CCDu;
+    hash ^= hash >> 32;
+  }
+  if (theCount > 0) {
+    uint64_t word = 0;
+    std::memcpy(&word, bytes, theCount);
+    hash = (hash ^ word) * 0xFF51AFD7ED558CCDu;
+  }
+  hash ^= hash >> 29;
+  return uint32_t(hash * 0xC4CEB9FE1A85EC53u >> 32);
+}
+} // namespace
+
+Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
+  const ZnIndex length = theText->length();
+  uint32_t hash = theText->withCharacters(
+      [](auto theUnits, ZnIndex theLength) { return HashBytes(theUnits, Sys::size_t(theLength) * sizeof *theUnits); });
+  hash ^= theIsSymbol ? 1 : 0;
+  Entry* slot = texts_.find(hash, [&](const Entry& theEntry) {
+    return theEntry.hash == hash && theEntry.length == length && theEntry.isSymbol == theIsSymbol &&
+           theEntry.text->hasSameUnits(theText);
+  });
+  if (slot->atom)
+    return retained(slot->atom).leak();
+  auto characters = adopt(String::createWithString(theText));
+  Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
+                           : static_cast<Expr*>(new CharacterString(characters.get(), true));
+  texts_.insert(slot, {atom, characters.get(), length, hash, theIsSymbol});
+  return atom;
+}
+
+Expr* AtomTable::symbol(const MutableString* theName) { return find(theName, true); }
+
+Expr* AtomTable::string(const MutableString* theText) {
+  if (theText->length() > kMaximumStringLength)
+    return new CharacterString(String::createWithString(theText), false);
+  return find(theText, false);
+}
+
+AtomTable::~AtomTable() {
+  for (Expr* integer : integers_)
+    if (integer)
+      integer->release();
+}
+
+Expr* AtomTable::integer(int32_t theValue) {
+  if (theValue < 0 || theValue >= kSmallIntegers)
+    return new MachineInteger(theValue);
+  Expr*& shared = integers_[theValue];
+  if (!shared)
+    shared = new MachineInteger(theValue);
+  return retained(shared).leak();
+}
+
+/// Spreads the bits of a double, whose low bits are mostly zero, over a hash.
+uint32_t AtomTable::RealEntry::hashValue() const { return uint32_t((bits * 0x9E3779B97F4A7C15u) >> 32); }
+
+Expr* AtomTable::real(double theValue) {
+  RealEntry entry = {nullptr, 0};
+  std::memcpy(&entry.bits, &theValue, sizeof entry.bits);
+  RealEntry* slot = reals_.find(entry.hashValue(), [&](const RealEntry& theEntry) { return theEntry.bits == entry.bits; });
+  if (slot->atom)
+    return retained(slot->atom).leak();
+  entry.atom = new MachineReal(theValue);
+  reals_.insert(slot, entry);
+  return entry.atom;
+}
+} // namespace Zn::Kx
