@@ -477,18 +477,27 @@ void MutableString::ensureCapacity(ZnIndex theLength) {
     capacity *= 2;
   characters_ = Reallocate(characters_, Sys::size_t(capacity) * (isWide_ ? 2 : 1));
   capacity_ = capacity;
+  hasWideRoom_ = isWide_;
 }
 
 void MutableString::widen() {
   if (isWide_)
     return;
-  if (length_ > 0) {
+  if (hasWideRoom_) {
+    // Widened in the block it has, last unit first, so that none is
+    // overwritten before it is read.
+    const uint8_t* units = narrow();
+    for (ZnIndex i = length(); i-- > 0;)
+      wide()[i] = units[i];
+    isWide_ = true;
+  } else if (length_ > 0) {
     widenInto(capacity_);
-    return;
+  } else {
+    // Nothing to convert: the block only needs twice the bytes.
+    characters_ = Reallocate(characters_, Sys::size_t(capacity_ > 0 ? capacity_ : 1) * 2);
+    isWide_ = true;
   }
-  // Nothing to convert: the block only needs twice the bytes.
-  characters_ = Reallocate(characters_, Sys::size_t(capacity_ > 0 ? capacity_ : 1) * 2);
-  isWide_ = true;
+  hasWideRoom_ = true;
 }
 
 ZnUnichar* MutableString::getMutableCharactersPtr() {
@@ -499,6 +508,14 @@ ZnUnichar* MutableString::getMutableCharactersPtr() {
 const ZnUnichar* MutableString::getWideCharactersPtr() const {
   ZnAssert(isWide_, 0);
   return wide();
+}
+
+void MutableString::removeAll() {
+  length_ = 0;
+  if (isWide_) {
+    isWide_ = false;
+    hasWideRoom_ = true;
+  }
 }
 
 void MutableString::setLength(ZnIndex theLength) {

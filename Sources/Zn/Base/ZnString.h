@@ -153,7 +153,7 @@ private:
 
 /// A string that grows: capacities double from 1 and never shrink. It keeps
 /// one byte a unit until the first unit of 256 or more arrives, and 16 bits
-/// a unit from then on.
+/// a unit from then on (until removeAll).
 class MutableString : public String {
 public:
   /// An empty string with room for theCapacity units (0: no buffer).
@@ -175,10 +175,7 @@ public:
   /// Empties the string and returns it to one byte a unit, in the block it
   /// has: a buffer refilled token after token stays narrow for the tokens
   /// that are, whatever unit an earlier one held.
-  void removeAll() {
-    length_ = 0;
-    isWide_ = 0;
-  }
+  void removeAll();
 
   /// Removes the last unit and returns it; the string must not be empty.
   ZnUnichar takeLastCharacter() {
@@ -221,6 +218,9 @@ private:
   template <class CharT> void replaceUnits(Range theRange, const CharT* theCharacters, ZnIndex theLength);
 
   ZnIndex capacity_ = 0;
+  /// Whether the block holds capacity_ units at two bytes each, as a wide
+  /// string's block does after removeAll: widening then needs no new block.
+  bool hasWideRoom_ = false;
 };
 
 /// The hash that a string of theLength units at theCharacters has.
