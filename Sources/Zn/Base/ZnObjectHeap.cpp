@@ -1,5 +1,6 @@
 //===- ZnObjectHeap.cpp - Objects of a parse, carved from large blocks -----===//
 #include "Zn/Base/ZnObjectHeap.h"
+#include "Zn/Base/ZnBlockSupplier.h"
 #include "Zn/Base/ZnMemory.h"
 #include <cstdlib>
 #include <sys/mman.h>
@@ -36,6 +37,7 @@ static uint32_t SlotOf(uintptr_t theBase, uint32_t theMask) {
 }
 
 ObjectHeap::~ObjectHeap() {
+  delete supplier_;
   for (uint32_t i = 0; i < capacity_; ++i)
     if (slots_[i] > kRemovedSlot)
       munmap(reinterpret_cast<void*>(slots_[i]), kBlockSize);
@@ -101,9 +103,7 @@ void ObjectHeap::eraseBlock(uintptr_t theBase) {
 
 //===--- Blocks ----------------------------------------------------------------===//
 
-ObjectHeap::Block* ObjectHeap::makeBlock() {
-  if (!reserveSlot())
-    return nullptr;
+void* ObjectHeap::mapBlock(bool theHugePages) {
   // Map twice the size and keep the aligned middle, so that an object's
   // block is its address with the low bits cleared.
   void* mapped = mmap(nullptr, 2 * kBlockSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -117,22 +117,47 @@ ObjectHeap::Block* ObjectHeap::makeBlock() {
     munmap(reinterpret_cast<void*>(base + kBlockSize), start + 2 * kBlockSize - base - kBlockSize);
 #ifdef MADV_HUGEPAGE
   // Where the kernel has no huge pages this fails, and nothing changes.
-  if (blocksMade_ >= kSmallPageBlocks)
+  if (theHugePages)
     madvise(reinterpret_cast<void*>(base), kBlockSize, MADV_HUGEPAGE);
 #endif
+  return reinterpret_cast<void*>(base);
+}
+
+void ObjectHeap::unmapBlock(void* theBlock) { munmap(theBlock, kBlockSize); }
+
+ObjectHeap::Block* ObjectHeap::makeBlock() {
+  if (!reserveSlot())
+    return nullptr;
+  void* memory = nullptr;
+  if (blocksMade_ >= kBlocksBeforeSupply) {
+    if (!supplier_)
+      supplier_ = new BlockSupplier();
+    memory = supplier_->take();
+    blocksMadeAhead_ += memory != nullptr;
+  }
+  if (!memory)
+    memory = mapBlock(blocksMade_ >= kSmallPageBlocks);
+  if (!memory)
+    return nullptr;
   ++blocksMade_;
   ++blocks_;
+  uintptr_t base = reinterpret_cast<uintptr_t>(memory);
   insertBlock(base);
   auto* block = reinterpret_cast<Block*>(base);
   block->live = 0;
   return block;
 }
 
+void ObjectHeap::stopSupply() {
+  if (supplier_)
+    supplier_->stop();
+}
+
 void ObjectHeap::dropBlock(Block* theBlock) {
   uintptr_t base = reinterpret_cast<uintptr_t>(theBlock);
   eraseBlock(base);
   --blocks_;
-  munmap(theBlock, kBlockSize);
+  unmapBlock(theBlock);
 }
 
 //===--- Objects ---------------------------------------------------------------===//
@@ -193,7 +218,11 @@ ObjectHeap& ObjectHeap::shared() {
 }
 
 ObjectHeap::Scope::Scope() { ++sOpenScopes; }
-ObjectHeap::Scope::~Scope() { --sOpenScopes; }
+ObjectHeap::Scope::~Scope() {
+  // The tree is built: a block made ahead would only take room.
+  if (--sOpenScopes == 0 && ZN_OBJECT_HEAP_IN_USE)
+    shared().stopSupply();
+}
 bool ObjectHeap::isScopeOpen() { return sOpenScopes > 0; }
 
 void* AllocateObject(Sys::size_t theSize) {

@@ -4,6 +4,7 @@
 #include "Zn/Base/ZnTypes.h"
 
 namespace Zn {
+class BlockSupplier;
 
 /// A heap for the many small objects of an expression tree. It carves them
 /// one after the other from blocks of 2 MB instead of asking malloc for each:
@@ -13,9 +14,16 @@ namespace Zn {
 /// reused on its own; a block goes back to the system when its last object
 /// dies (the block in use is reused from its start instead).
 ///
-/// Single-threaded, as the converter is. Requests over kLargest bytes, and
-/// every request when a block cannot be mapped, go to malloc; free() tells
-/// the two apart by the block that holds the address.
+/// The kernel zeroes each fresh page when it is first touched, which for a
+/// large tree is a tenth of the whole conversion. Once a heap has made
+/// kBlocksBeforeSupply blocks, a thread of its own (the BlockSupplier) maps
+/// and touches the next block while the parse goes on, on another core
+/// where there is one; one block waits at most, and it goes back when the
+/// last Scope closes.
+///
+/// Used from one thread, as the converter is. Requests over kLargest bytes,
+/// and every request when a block cannot be mapped, go to malloc; free()
+/// tells the two apart by the block that holds the address.
 class ObjectHeap {
 public:
   static constexpr Sys::size_t kBlockSize = Sys::size_t(2) << 20;
@@ -23,6 +31,9 @@ public:
   /// Blocks made before the heap asks for huge pages: a small notebook's
   /// tree fits in them and then never pays for zeroing a 2 MB page.
   static constexpr int32_t kSmallPageBlocks = 2;
+  /// Blocks made before blocks are made ahead: a notebook of a few
+  /// megabytes never starts the thread.
+  static constexpr int32_t kBlocksBeforeSupply = 4;
 
   ObjectHeap() = default;
   ObjectHeap(const ObjectHeap&) = delete;
@@ -36,8 +47,14 @@ public:
   void free(void* theMemory);
   /// Whether theMemory lies in one of this heap's blocks.
   bool owns(const void* theMemory) const;
-  /// Blocks mapped now.
+  /// Blocks mapped now and holding objects (a block made ahead is not one
+  /// until it is used).
   int32_t getBlockCount() const { return blocks_; }
+  /// Gives back the block made ahead, if one waits; the next block the heap
+  /// needs asks for another.
+  void stopSupply();
+  /// Blocks that came ready from the supplier's thread.
+  int32_t getBlocksMadeAhead() const { return blocksMadeAhead_; }
   /// Objects alive in the blocks (not those that went to malloc).
   int64_t getLiveCount() const;
 
@@ -57,6 +74,11 @@ public:
   };
   static bool isScopeOpen();
 
+  /// Maps kBlockSize bytes at a multiple of kBlockSize, advised as huge
+  /// pages when theHugePages is set; null when the system has no room.
+  static void* mapBlock(bool theHugePages);
+  static void unmapBlock(void* theBlock);
+
 private:
   struct Block;
   Block* makeBlock();
@@ -71,6 +93,8 @@ private:
   char* limit_ = nullptr;
   int32_t blocks_ = 0;
   int32_t blocksMade_ = 0;
+  BlockSupplier* supplier_ = nullptr;
+  int32_t blocksMadeAhead_ = 0;
   // Open addressing over the blocks' base addresses: 0 empty, 1 removed.
   uintptr_t* slots_ = nullptr;
   uint32_t capacity_ = 0;

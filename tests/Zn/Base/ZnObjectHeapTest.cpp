@@ -3,8 +3,10 @@
 #include "Zn/Base/ZnObjectHeap.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnString.h"
+#include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 using namespace Zn;
@@ -87,6 +89,32 @@ TEST_F(ObjectHeapTest, FullBlocksGoBackWhenTheirLastObjectDies) {
     for (void* p : blocks[b])
       ASSERT_TRUE(heap.owns(p));
   EXPECT_EQ(heap.getBlockCount(), 50);
+}
+
+// Past the first blocks the next one is made ready on another thread; such
+// blocks are aligned and whole like any other, the supply stops and starts
+// again on demand, and the heap's end ends the thread.
+TEST_F(ObjectHeapTest, BlocksMadeAheadServeLikeAnyOther) {
+  ObjectHeap heap;
+  const int perBlock = int(ObjectHeap::kBlockSize / ObjectHeap::kLargest) - 1;
+  auto fillBlock = [&] {
+    void* first = heap.allocate(ObjectHeap::kLargest);
+    std::memset(first, 0x5A, ObjectHeap::kLargest);
+    for (int i = 1; i < perBlock; ++i)
+      std::memset(heap.allocate(ObjectHeap::kLargest), 0x5A, ObjectHeap::kLargest);
+    EXPECT_EQ(Address(first) % ObjectHeap::kBlockSize, 16u);  // just after the block's header
+  };
+  const int blocks = ObjectHeap::kBlocksBeforeSupply + 6;
+  for (int b = 0; b < blocks; ++b) {
+    fillBlock();
+    if (b == blocks / 2)
+      heap.stopSupply();
+    // Time for the thread to make the next block ready.
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+  EXPECT_EQ(heap.getBlockCount(), blocks);
+  EXPECT_GT(heap.getBlocksMadeAhead(), 0);
+  EXPECT_LT(heap.getBlocksMadeAhead(), blocks - ObjectHeap::kBlocksBeforeSupply);  // none right after the stop
 }
 
 TEST_F(ObjectHeapTest, ObjectsOfAScopeOutliveItAndDieAnywhere) {
