@@ -125,8 +125,10 @@ void Function::releaseParts() {
         Expr* part = parts[i];
         if (!part)
           continue;
-        const Function* inner = part->asFunction();
-        if (inner && inner->parts() && part->getRetainCount() == 1)
+        // The count first: most parts are shared atoms, which need no
+        // look at their class.
+        const Function* inner = part->getRetainCount() == 1 ? part->asFunction() : nullptr;
+        if (inner && inner->parts())
           dying.push(const_cast<Function*>(inner));
         else
           part->release();
