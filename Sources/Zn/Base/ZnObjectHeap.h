@@ -31,9 +31,10 @@ public:
   /// Blocks made before the heap asks for huge pages: a small notebook's
   /// tree fits in them and then never pays for zeroing a 2 MB page.
   static constexpr int32_t kSmallPageBlocks = 2;
-  /// Blocks made before blocks are made ahead: a notebook of a few
-  /// megabytes never starts the thread.
-  static constexpr int32_t kBlocksBeforeSupply = 4;
+  /// Blocks made before blocks are made ahead: the tree of a notebook of a
+  /// megabyte or two fits in them and never starts the thread, and every
+  /// larger one has its pages zeroed ahead from its third block on.
+  static constexpr int32_t kBlocksBeforeSupply = 2;
 
   ObjectHeap() = default;
   ObjectHeap(const ObjectHeap&) = delete;
