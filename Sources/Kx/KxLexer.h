@@ -58,8 +58,9 @@ private:
   /// Takes the run of characters that the reader holds ready up to the first
   /// one for which theStop is true (or the end of what is ready), appending
   /// them to theText when it is not null. Returns how many were taken; the
-  /// caller goes on character by character after the run.
-  template <class Stop> ZnIndex takeRun(MutableString* theText, Stop theStop);
+  /// caller goes on character by character after the run. theRunsAreLong
+  /// says the run is likely to be long (the text of a string).
+  template <class Stop> ZnIndex takeRun(MutableString* theText, Stop theStop, bool theRunsAreLong = false);
   /// Consumes the next character when it is theCharacter.
   bool skip(ZnUnichar theCharacter);
   void markTokenStart(ZnIndex theConsumed);
