@@ -9,45 +9,62 @@
 
 namespace Zn::Kx {
 
+namespace {
+/// The tag of a slot that holds an entry of theHash: seven bits of the hash
+/// that do not choose the slot, and the high bit, so that 0 is a free slot.
+uint8_t TagOf(uint32_t theHash) { return uint8_t(0x80 | (theHash >> 25)); }
+} // namespace
+
 template <class EntryT> AtomTable::Slots<EntryT>::~Slots() {
   for (ZnIndex i = 0; i < capacity_; ++i)
-    if (slots_[i].atom)
+    if (tags_[i])
       slots_[i].atom->release();
   Free(slots_);
+  Free(tags_);
 }
 
 template <class EntryT>
 template <class Matches>
-EntryT* AtomTable::Slots<EntryT>::find(uint32_t theHash, Matches theMatches) {
+EntryT* AtomTable::Slots<EntryT>::find(uint32_t theHash, Matches theMatches, ZnIndex* theFree) {
   if (count_ * 2 >= capacity_ && count_ < kMaximumEntries) {
     // Rehash into twice the room. A small start: the parsers that the walk
     // makes for box groups in strings read a few atoms each.
     ZnIndex capacity = capacity_ == 0 ? 64 : capacity_ * 2;
-    auto* slots = static_cast<EntryT*>(AllocateZeroed(Sys::size_t(capacity) * sizeof(EntryT)));
+    auto* slots = static_cast<EntryT*>(Allocate(Sys::size_t(capacity) * sizeof(EntryT)));
+    auto* tags = static_cast<uint8_t*>(AllocateZeroed(Sys::size_t(capacity)));
     for (ZnIndex i = 0; i < capacity_; ++i) {
-      if (!slots_[i].atom)
+      if (!tags_[i])
         continue;
       ZnIndex j = ZnIndex(slots_[i].hashValue() & uint32_t(capacity - 1));
-      while (slots[j].atom)
+      while (tags[j])
         j = (j + 1) & (capacity - 1);
       slots[j] = slots_[i];
+      tags[j] = tags_[i];
     }
     Free(slots_);
+    Free(tags_);
     slots_ = slots;
+    tags_ = tags;
     capacity_ = capacity;
   }
+  // The probe reads the tags, a byte a slot, and an entry only where its
+  // tag matches: a text seen for the first time costs no look at the entries.
+  const uint8_t tag = TagOf(theHash);
   ZnIndex j = ZnIndex(theHash & uint32_t(capacity_ - 1));
-  for (; slots_[j].atom; j = (j + 1) & (capacity_ - 1))
-    if (theMatches(slots_[j]))
-      break;
-  return &slots_[j];
+  for (; tags_[j]; j = (j + 1) & (capacity_ - 1))
+    if (tags_[j] == tag && theMatches(slots_[j]))
+      return &slots_[j];
+  *theFree = j;
+  return nullptr;
 }
 
-template <class EntryT> void AtomTable::Slots<EntryT>::insert(EntryT* theSlot, const EntryT& theEntry) {
+template <class EntryT>
+void AtomTable::Slots<EntryT>::insert(ZnIndex theFree, uint32_t theHash, const EntryT& theEntry) {
   if (count_ >= kMaximumEntries || count_ * 2 >= capacity_)
     return;
-  *theSlot = theEntry;
-  theSlot->atom->retain();
+  slots_[theFree] = theEntry;
+  tags_[theFree] = TagOf(theHash);
+  theEntry.atom->retain();
   ++count_;
 }
 
@@ -79,16 +96,20 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
   uint32_t hash = theText->withCharacters(
       [](auto theUnits, ZnIndex theLength) { return HashBytes(theUnits, Sys::size_t(theLength) * sizeof *theUnits); });
   hash ^= theIsSymbol ? 1 : 0;
-  Entry* slot = texts_.find(hash, [&](const Entry& theEntry) {
-    return theEntry.hash == hash && theEntry.length == length && theEntry.isSymbol == theIsSymbol &&
-           theEntry.text->hasSameUnits(theText);
-  });
-  if (slot->atom)
-    return retained(slot->atom).leak();
+  ZnIndex free = 0;
+  const Entry* found = texts_.find(
+      hash,
+      [&](const Entry& theEntry) {
+        return theEntry.hash == hash && theEntry.length == length && theEntry.isSymbol == theIsSymbol &&
+               theEntry.text->hasSameUnits(theText);
+      },
+      &free);
+  if (found)
+    return retained(found->atom).leak();
   auto characters = adopt(String::createWithString(theText));
   Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
                            : static_cast<Expr*>(new CharacterString(characters.get(), true));
-  texts_.insert(slot, {atom, characters.get(), length, hash, theIsSymbol});
+  texts_.insert(free, hash, {atom, characters.get(), length, hash, theIsSymbol});
   return atom;
 }
 
@@ -121,11 +142,14 @@ uint32_t AtomTable::RealEntry::hashValue() const { return uint32_t((bits * 0x9E3
 Expr* AtomTable::real(double theValue) {
   RealEntry entry = {nullptr, 0};
   std::memcpy(&entry.bits, &theValue, sizeof entry.bits);
-  RealEntry* slot = reals_.find(entry.hashValue(), [&](const RealEntry& theEntry) { return theEntry.bits == entry.bits; });
-  if (slot->atom)
-    return retained(slot->atom).leak();
+  const uint32_t hash = entry.hashValue();
+  ZnIndex free = 0;
+  const RealEntry* found =
+      reals_.find(hash, [&](const RealEntry& theEntry) { return theEntry.bits == entry.bits; }, &free);
+  if (found)
+    return retained(found->atom).leak();
   entry.atom = new MachineReal(theValue);
-  reals_.insert(slot, entry);
+  reals_.insert(free, hash, entry);
   return entry.atom;
 }
 } // namespace Zn::Kx

@@ -43,24 +43,27 @@ private:
     uint64_t bits;
     uint32_t hashValue() const;
   };
-  /// An open-addressed table of entries, each with its atom (null for a
-  /// free slot) and its hashValue(). It doubles from 64 slots, keeping them
-  /// at most half full, until it holds kMaximumEntries.
+  /// An open-addressed table of entries, each with its atom and its
+  /// hashValue(), and beside them a byte a slot: 0 for a free slot, else a
+  /// tag of the entry's hash. It doubles from 64 slots, keeping them at most
+  /// half full, until it holds kMaximumEntries.
   template <class EntryT> class Slots {
   public:
     Slots() = default;
     Slots(const Slots&) = delete;
     Slots& operator=(const Slots&) = delete;
     ~Slots();
-    /// The entry for which theMatches is true, or the free slot where such
-    /// an entry belongs; grows first while the table may.
-    template <class Matches> EntryT* find(uint32_t theHash, Matches theMatches);
-    /// Fills theSlot, the free one that find() returned, when there is room;
-    /// the table retains the entry's atom.
-    void insert(EntryT* theSlot, const EntryT& theEntry);
+    /// The entry of theHash for which theMatches is true; otherwise null,
+    /// and *theFree is the free slot where such an entry belongs. Grows
+    /// first while the table may.
+    template <class Matches> EntryT* find(uint32_t theHash, Matches theMatches, ZnIndex* theFree);
+    /// Fills theFree, the free slot that find() gave for theHash, when there
+    /// is room; the table retains the entry's atom.
+    void insert(ZnIndex theFree, uint32_t theHash, const EntryT& theEntry);
 
   private:
     EntryT* slots_ = nullptr;
+    uint8_t* tags_ = nullptr;
     ZnIndex capacity_ = 0;
     ZnIndex count_ = 0;
   };
