@@ -48,6 +48,15 @@ private:
 //===--- Atoms ------------------------------------------------------------===//
 
 
+namespace {
+bool HoldsQuoteOrBackslash(const ZnUnichar* theText, ZnIndex theLength) {
+  for (ZnIndex i = 0; i < theLength; ++i)
+    if (theText[i] == '"' || theText[i] == '\\')
+      return true;
+  return false;
+}
+} // namespace
+
 void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
   auto symbol = theLeaf->asSymbol();
   if (symbol && symbol->isEqual(HeadSymbol(Head::Null)))
@@ -86,7 +95,9 @@ void SearchIndexer::indexString(Expr* theLeaf, const IndexContext& theContext) {
     units = unmarked.units();
     length = unmarked->length();
   }
-  if (!theContext.showStringCharacters) {
+  // Without a quote or a backslash there is no literal to find and no
+  // escape that could make one.
+  if (!theContext.showStringCharacters && HoldsQuoteOrBackslash(units, length)) {
     // Where string characters are hidden, string literals lose their quotes
     // and their own escapes resolve: a string that holds one literal,
     // written "\"...\"", or a run of linear syntax in which literals stand
