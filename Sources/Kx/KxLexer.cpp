@@ -67,6 +67,9 @@ String* CopyText(const MutableString* theText) { return String::createWithString
 
 ParseValue Atom(Expr* theExpr) { return {theExpr, 0}; }
 
+/// Texts of a string this long give their buffer to the string made of them.
+constexpr ZnIndex kTakenTextLength = 65536;
+
 /// 10 to the powers that a double holds exactly.
 constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                    1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
@@ -871,6 +874,13 @@ int32_t Lexer::scanString(ParseValue* theValue) {
     return refuse("unterminated string");
   }
   if (!pieces_) {
+    if (text_->length() >= kTakenTextLength) {
+      // A long text (a compressed picture, a packed array) keeps the block
+      // it was gathered in rather than being copied out of it.
+      *theValue = Atom(new CharacterString(text_->createStringTakingCharacters(), false));
+      text_->ensureCapacity(256);
+      return KxString;
+    }
     *theValue = Atom(parser_->getAtoms()->string(text_.get()));
     return KxString;
   }

@@ -524,6 +524,27 @@ const ZnUnichar* MutableString::getWideCharactersPtr() const {
   return wide();
 }
 
+String* String::createOwning(void* theBlock, ZnIndex theLength, bool theIsWide) {
+  auto* string = new String();
+  string->characters_ = theBlock;
+  string->length_ = uint32_t(theLength);
+  string->isWide_ = theIsWide;
+  return string;
+}
+
+String* MutableString::createStringTakingCharacters() {
+  if (length_ == 0)
+    return new String();
+  String* string =
+      createOwning(Reallocate(characters_, Sys::size_t(length()) * (isWide_ ? 2 : 1)), length(), isWide_);
+  characters_ = nullptr;
+  capacity_ = 0;
+  length_ = 0;
+  isWide_ = false;
+  hasWideRoom_ = false;
+  return string;
+}
+
 void MutableString::removeAll() {
   length_ = 0;
   if (isWide_) {

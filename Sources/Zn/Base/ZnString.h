@@ -112,6 +112,9 @@ protected:
   /// Makes the string wide with room for theCapacity units, the units it
   /// holds widened; frees the old block unless it is the inline one.
   void widenInto(ZnIndex theCapacity);
+  /// +1. A string that owns theBlock (from Allocate) of theLength units in
+  /// the form theIsWide says.
+  static String* createOwning(void* theBlock, ZnIndex theLength, bool theIsWide);
 
   // The length and the form first: they fill the four bytes that Object
   // leaves after its count on 64-bit targets, so a string is 8 bytes
@@ -172,6 +175,10 @@ public:
   const ZnUnichar* getWideCharactersPtr() const;
   /// Shortens (or, within the capacity, lengthens) the string.
   void setLength(ZnIndex theLength);
+  /// +1. An immutable string of these units that takes over this string's
+  /// block (shrunk to fit) instead of copying it; this one is left empty,
+  /// without a block.
+  String* createStringTakingCharacters();
   /// Empties the string and returns it to one byte a unit, in the block it
   /// has: a buffer refilled token after token stays narrow for the tokens
   /// that are, whatever unit an earlier one held.

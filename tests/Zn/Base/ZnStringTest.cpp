@@ -251,6 +251,21 @@ TEST_F(StringTest, RemoveAllReturnsABufferToOneByteAUnit) {
   EXPECT_EQ(GetTotalAllocated(), allocated);
 }
 
+// A buffer gives its block to the string made of it, in the form it has,
+// and is left empty and usable.
+TEST_F(StringTest, CreateStringTakingCharactersLeavesTheBufferEmpty) {
+  for (std::u16string text : {u"", u"plain text", u"caf\u00e9", u"wide \u263a"}) {
+    auto buffer = adopt(new MutableString(64));
+    buffer->appendCharacters(reinterpret_cast<const ZnUnichar*>(text.data()), ZnIndex(text.size()));
+    auto taken = adopt(buffer->createStringTakingCharacters());
+    EXPECT_EQ(Units(taken.get()), text);
+    EXPECT_EQ(taken->isWide(), text.find(u'\u263a') != std::u16string::npos);
+    EXPECT_EQ(buffer->length(), 0);
+    buffer->appendCString("again");
+    EXPECT_EQ(Units(buffer.get()), u"again");
+  }
+}
+
 // A piece of a wide string that holds no wide unit is compact again, and
 // equal to the same text built directly.
 TEST_F(StringTest, SubstringsAcrossTheWideUnitTakeTheFormTheyNeed) {
