@@ -91,17 +91,37 @@ uint32_t HashBytes(const void* theBytes, Sys::size_t theCount) {
 }
 } // namespace
 
+namespace {
+/// The string an atom of the table was made with.
+const String* TextOf(const Expr* theAtom, bool theIsSymbol) {
+  return theIsSymbol ? static_cast<const Symbol*>(theAtom)->getName()
+                     : static_cast<const CharacterString*>(theAtom)->getValue();
+}
+} // namespace
+
 Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
   const ZnIndex length = theText->length();
-  uint32_t hash = theText->withCharacters(
-      [](auto theUnits, ZnIndex theLength) { return HashBytes(theUnits, Sys::size_t(theLength) * sizeof *theUnits); });
+  // A short one-byte text, zero-padded as the entries keep theirs, so that
+  // the comparison is of the whole field.
+  uint8_t padded[kInlineLength] = {};
+  const bool isInline = length <= kInlineLength && !theText->isWide();
+  uint32_t hash = theText->withCharacters([&](auto theUnits, ZnIndex theLength) {
+    if (isInline)
+      std::memcpy(padded, theUnits, Sys::size_t(theLength));
+    return HashBytes(theUnits, Sys::size_t(theLength) * sizeof *theUnits);
+  });
   hash ^= theIsSymbol ? 1 : 0;
+  const auto storedLength = uint16_t(length <= kInlineLength ? length : kInlineLength + 1);
   ZnIndex free = 0;
   const Entry* found = texts_.find(
       hash,
       [&](const Entry& theEntry) {
-        return theEntry.hash == hash && theEntry.length == length && theEntry.isSymbol == theIsSymbol &&
-               theEntry.text->hasSameUnits(theText);
+        if (theEntry.hash != hash || theEntry.length != storedLength || theEntry.isSymbol != theIsSymbol ||
+            theEntry.isInline != isInline)
+          return false;
+        if (isInline)
+          return std::memcmp(theEntry.text, padded, sizeof padded) == 0;
+        return TextOf(theEntry.atom, theIsSymbol)->hasSameUnits(theText);
       },
       &free);
   if (found)
@@ -109,7 +129,9 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
   auto characters = adopt(String::createWithString(theText));
   Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
                            : static_cast<Expr*>(new CharacterString(characters.get(), true));
-  texts_.insert(free, hash, {atom, characters.get(), length, hash, theIsSymbol});
+  Entry entry = {atom, hash, storedLength, theIsSymbol, isInline, {}};
+  std::memcpy(entry.text, padded, sizeof padded);
+  texts_.insert(free, hash, entry);
   return atom;
 }
 

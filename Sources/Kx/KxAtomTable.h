@@ -30,12 +30,17 @@ public:
   Expr* real(double theValue);
 
 private:
+  /// Texts of up to this many units, all below 256, are kept in the entry
+  /// itself as well: a lookup compares them there, without reading the
+  /// atom's string, which is one more cache miss in a large table.
+  static constexpr ZnIndex kInlineLength = 16;
   struct Entry {
     Expr* atom;                 // retained; null for a free slot
-    const String* text;         // the atom's own characters
-    ZnIndex length;
     uint32_t hash;
+    uint16_t length;            // kInlineLength + 1 for any longer text
     bool isSymbol;
+    bool isInline;              // text holds the units, zero-padded
+    uint8_t text[kInlineLength];
     uint32_t hashValue() const { return hash; }
   };
   struct RealEntry {

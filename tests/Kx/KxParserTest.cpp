@@ -375,3 +375,25 @@ TEST_F(ExprParserTest, EqualRealsOfAParseAreOneAtom) {
   EXPECT_EQ(e->part(1)->getRetainCount(), 4);  // the table went with its parser
   EXPECT_EQ(FullForm(e.get()), Parse("{0.5, 1.25, 0.5, 0.5, 0.5, 0.25, 0., -0.5}"));
 }
+
+// Names and short strings of a parse are one atom a text, whether the table
+// compares them in its entries (up to 16 one-byte units) or through the
+// atom's string (longer or wide texts); a name and a string of the same
+// text, and texts that differ only in their last unit, stay apart.
+TEST_F(ExprParserTest, EqualTextsOfAParseAreOneAtom) {
+  auto e = adopt(ParseText("{\"abcdefghijklmnop\", \"abcdefghijklmnop\", \"abcdefghijklmnoq\", "
+                           "\"abcdefghijklmnopq\", \"abcdefghijklmnopq\", \"abcdefghijklmnopr\", "
+                           "\"a\\[Alpha]\", \"a\\[Alpha]\", \"a\\[Beta]\", "
+                           "abcdefghijklmnopqrst, abcdefghijklmnopqrst, abcdefghijklmnopqrsu, "
+                           "x, x, \"x\", \"\", \"\"}"));
+  ASSERT_TRUE(e.get());
+  struct Case {
+    ZnIndex a, b;
+    bool same;
+  };
+  const Case cases[] = {{1, 2, true},   {1, 3, false},  {4, 5, true},   {4, 6, false}, {1, 4, false},
+                        {7, 8, true},   {7, 9, false},  {10, 11, true}, {10, 12, false},
+                        {13, 14, true}, {13, 15, false}, {16, 17, true}};
+  for (const Case& c : cases)
+    EXPECT_EQ(e->part(c.a) == e->part(c.b), c.same) << c.a << " and " << c.b;
+}
