@@ -13,6 +13,7 @@
 #include "Kx/KxSymbol.h"
 #include "KxExprGrammar.hpp"
 #include "Zn/Base/ZnMemory.h"
+#include "Zn/Base/ZnObjectHeap.h"
 #include "Zn/IO/ZnReader.h"
 
 namespace Zn::Kx {
@@ -68,7 +69,10 @@ String* CopyText(const MutableString* theText) { return String::createWithString
 ParseValue Atom(Expr* theExpr) { return {theExpr, 0}; }
 
 /// Texts of a string this long give their buffer to the string made of them.
-constexpr ZnIndex kTakenTextLength = 65536;
+/// A shorter one is copied: its string is carved from the tree's heap, whose
+/// pages are zeroed ahead, and the buffer keeps its grown block for the next
+/// text instead of growing a fresh one through pages the parse must fault in.
+constexpr ZnIndex kTakenTextLength = ZnIndex(ObjectHeap::kLargest - sizeof(String));
 
 /// 10 to the powers that a double holds exactly.
 constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,

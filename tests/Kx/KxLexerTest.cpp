@@ -203,6 +203,24 @@ TEST_F(LexerTest, EscapesReadTheSameWhereverTheReadersBlockEnds) {
   }
 }
 
+// Strings too long for the tree's heap take the lexer's buffer, shorter
+// ones are copied out of it; in any order, each reads as written, and a
+// buffer taken or grown leaves nothing behind for the next string.
+TEST_F(LexerTest, LongStringsReadWhetherTheirBufferIsTakenOrCopied) {
+  const std::vector<std::string> texts = {std::string(300000, 'a'), "b", std::string(200000, 'c'),
+                                          std::string(299999, 'd') + "\\[Alpha]", std::string(70000, 'e'), ""};
+  std::string source, expected;
+  for (const std::string& text : texts) {
+    source += "\"" + text + "\" ";
+    expected += (expected.empty() ? "\"" : "|\"") + text + "\"";
+  }
+  const std::string alpha = "\\[Alpha]";
+  expected.replace(expected.find(alpha), alpha.size(), "\xCE\xB1");
+  const Lexed lexed = Lex(source);
+  EXPECT_EQ(lexed.codes, std::vector<int32_t>(texts.size(), KxString));
+  EXPECT_TRUE(lexed.values == expected);
+}
+
 TEST_F(LexerTest, BoxGroupsInsideStringsAreParsedWithTheirText) {
   const Case cases[] = {
       {R"t("a\!\(x\^2\)b")t", {KxString},
