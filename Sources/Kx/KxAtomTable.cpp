@@ -18,7 +18,7 @@ uint8_t TagOf(uint32_t theHash) { return uint8_t(0x80 | (theHash >> 25)); }
 template <class EntryT> AtomTable::Slots<EntryT>::~Slots() {
   for (ZnIndex i = 0; i < capacity_; ++i)
     if (tags_[i])
-      slots_[i].atom->release();
+      slots_[i].atom->releaseMany(slots_[i].stock);
   Free(slots_);
   Free(tags_);
 }
@@ -63,9 +63,21 @@ void AtomTable::Slots<EntryT>::insert(ZnIndex theFree, uint32_t theHash, const E
   if (count_ >= kMaximumEntries || count_ * 2 >= capacity_)
     return;
   slots_[theFree] = theEntry;
+  slots_[theFree].stock = kStock;
   tags_[theFree] = TagOf(theHash);
-  theEntry.atom->retain();
+  theEntry.atom->retainMany(kStock);
   ++count_;
+}
+
+template <class EntryT> Expr* AtomTable::Slots<EntryT>::handOut(EntryT* theEntry) {
+  // The stock never runs out: the entry's last reference keeps the atom
+  // alive whatever its users release.
+  if (theEntry->stock == 1) {
+    theEntry->atom->retainMany(kStock);
+    theEntry->stock += kStock;
+  }
+  --theEntry->stock;
+  return theEntry->atom;
 }
 
 namespace {
@@ -111,9 +123,9 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
     return HashBytes(theUnits, Sys::size_t(theLength) * sizeof *theUnits);
   });
   hash ^= theIsSymbol ? 1 : 0;
-  const auto storedLength = uint16_t(length <= kInlineLength ? length : kInlineLength + 1);
+  const auto storedLength = uint8_t(length <= kInlineLength ? length : kInlineLength + 1);
   ZnIndex free = 0;
-  const Entry* found = texts_.find(
+  Entry* found = texts_.find(
       hash,
       [&](const Entry& theEntry) {
         if (theEntry.hash != hash || theEntry.length != storedLength || theEntry.isSymbol != theIsSymbol ||
@@ -125,11 +137,11 @@ Expr* AtomTable::find(const MutableString* theText, bool theIsSymbol) {
       },
       &free);
   if (found)
-    return retained(found->atom).leak();
+    return texts_.handOut(found);
   auto characters = adopt(String::createWithString(theText));
   Expr* atom = theIsSymbol ? static_cast<Expr*>(new Symbol(characters.get(), true))
                            : static_cast<Expr*>(new CharacterString(characters.get(), true));
-  Entry entry = {atom, hash, storedLength, theIsSymbol, isInline, {}};
+  Entry entry = {atom, hash, 0, storedLength, theIsSymbol, isInline, {}};
   std::memcpy(entry.text, padded, sizeof padded);
   texts_.insert(free, hash, entry);
   return atom;
@@ -162,14 +174,13 @@ Expr* AtomTable::integer(int32_t theValue) {
 uint32_t AtomTable::RealEntry::hashValue() const { return uint32_t((bits * 0x9E3779B97F4A7C15u) >> 32); }
 
 Expr* AtomTable::real(double theValue) {
-  RealEntry entry = {nullptr, 0};
+  RealEntry entry = {nullptr, 0, 0};
   std::memcpy(&entry.bits, &theValue, sizeof entry.bits);
   const uint32_t hash = entry.hashValue();
   ZnIndex free = 0;
-  const RealEntry* found =
-      reals_.find(hash, [&](const RealEntry& theEntry) { return theEntry.bits == entry.bits; }, &free);
+  RealEntry* found = reals_.find(hash, [&](const RealEntry& theEntry) { return theEntry.bits == entry.bits; }, &free);
   if (found)
-    return retained(found->atom).leak();
+    return reals_.handOut(found);
   entry.atom = new MachineReal(theValue);
   reals_.insert(free, hash, entry);
   return entry.atom;

@@ -34,24 +34,30 @@ private:
   /// itself as well: a lookup compares them there, without reading the
   /// atom's string, which is one more cache miss in a large table.
   static constexpr ZnIndex kInlineLength = 16;
+  /// The references that an entry holds for its atom and hands out (see
+  /// handOut). A hit in a large table then reads the entry alone: taking a
+  /// reference from the atom itself would be one more cache miss a hit.
+  static constexpr uint16_t kStock = 1 << 15;
   struct Entry {
-    Expr* atom;                 // retained; null for a free slot
+    Expr* atom;                 // null for a free slot
     uint32_t hash;
-    uint16_t length;            // kInlineLength + 1 for any longer text
-    bool isSymbol;
-    bool isInline;              // text holds the units, zero-padded
+    uint16_t stock;             // references to the atom that the entry holds
+    uint8_t length;             // kInlineLength + 1 for any longer text
+    uint8_t isSymbol : 1;
+    uint8_t isInline : 1;       // text holds the units, zero-padded
     uint8_t text[kInlineLength];
     uint32_t hashValue() const { return hash; }
   };
   struct RealEntry {
-    Expr* atom;                 // retained; null for a free slot
+    Expr* atom;                 // null for a free slot
     uint64_t bits;
+    uint16_t stock;
     uint32_t hashValue() const;
   };
-  /// An open-addressed table of entries, each with its atom and its
-  /// hashValue(), and beside them a byte a slot: 0 for a free slot, else a
-  /// tag of the entry's hash. It doubles from 64 slots, keeping them at most
-  /// half full, until it holds kMaximumEntries.
+  /// An open-addressed table of entries, each with its atom, its stock of
+  /// references and its hashValue(), and beside them a byte a slot: 0 for a
+  /// free slot, else a tag of the entry's hash. It doubles from 64 slots,
+  /// keeping them at most half full, until it holds kMaximumEntries.
   template <class EntryT> class Slots {
   public:
     Slots() = default;
@@ -63,8 +69,13 @@ private:
     /// first while the table may.
     template <class Matches> EntryT* find(uint32_t theHash, Matches theMatches, ZnIndex* theFree);
     /// Fills theFree, the free slot that find() gave for theHash, when there
-    /// is room; the table retains the entry's atom.
+    /// is room; the entry then takes its stock of references to its atom.
     void insert(ZnIndex theFree, uint32_t theHash, const EntryT& theEntry);
+    /// +1. The atom of an entry, one reference of its stock: the atom's own
+    /// count is written only when the stock runs low. The count an atom
+    /// shows meanwhile is too high by the stock, which matters to none of
+    /// its readers: they look at the counts of functions only.
+    static Expr* handOut(EntryT* theEntry);
 
   private:
     EntryT* slots_ = nullptr;

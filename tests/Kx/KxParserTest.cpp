@@ -397,3 +397,16 @@ TEST_F(ExprParserTest, EqualTextsOfAParseAreOneAtom) {
   for (const Case& c : cases)
     EXPECT_EQ(e->part(c.a) == e->part(c.b), c.same) << c.a << " and " << c.b;
 }
+
+// A name used more often than the table's stock of references for it holds
+// is counted exactly, and goes when its last user does.
+TEST_F(ExprParserTest, AnAtomUsedMoreOftenThanTheStockIsCountedExactly) {
+  constexpr int kUses = 70000;
+  std::string text = "{";
+  for (int i = 0; i < kUses; ++i)
+    text += i ? ", x" : "x";
+  auto e = adopt(ParseText(text + "}"));
+  ASSERT_TRUE(e.get());
+  EXPECT_EQ(e->part(1), e->part(kUses));
+  EXPECT_EQ(e->part(1)->getRetainCount(), kUses);
+}

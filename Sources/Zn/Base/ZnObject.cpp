@@ -42,6 +42,20 @@ __attribute__((no_sanitize("vptr"))) void Object::release() const {
     delete this;
 }
 
+__attribute__((no_sanitize("vptr"))) void Object::retainMany(ZnIndex theCount) const {
+  ZnAssert(refCount_ != static_cast<ZnIndex>(0xD0D0D0D0), refCount_);
+  ZnAssert(refCount_ != 0 && theCount >= 0, theCount);
+  refCount_ += theCount;
+}
+
+__attribute__((no_sanitize("vptr"))) void Object::releaseMany(ZnIndex theCount) const {
+  ZnAssert(refCount_ != static_cast<ZnIndex>(0xD0D0D0D0), refCount_);
+  ZnAssert(theCount >= 0 && theCount <= refCount_, theCount);
+  refCount_ -= theCount;
+  if (refCount_ == 0 && theCount > 0)
+    delete this;
+}
+
 bool Object::isEqual(const Object* theOther) const { return theOther == this; }
 
 int32_t Object::compare(const Object* theOther) const {

@@ -25,6 +25,12 @@ public:
   Object* retain() const;
   /// Drops one reference and destroys the object when it was the last one.
   void release() const;
+  /// Takes theCount more references at once, for a container that hands
+  /// out one shared object many times: it holds a stock of references and
+  /// gives them out one by one without writing to the object.
+  void retainMany(ZnIndex theCount) const;
+  /// Drops theCount references at once, as that many release() calls would.
+  void releaseMany(ZnIndex theCount) const;
   ZnIndex getRetainCount() const { return refCount_; }
 
   virtual bool isEqual(const Object* theOther) const;

@@ -50,6 +50,19 @@ TEST_F(ObjectTest, CountStartsAtOneAndLastReleaseDestroysOnce) {
   EXPECT_EQ(sDestroyed, 1);
 }
 
+TEST_F(ObjectTest, ReferencesTakenAndDroppedManyAtOnceCountAsSingleOnes) {
+  sDestroyed = 0;
+  Probe* probe = new Probe();
+  probe->retainMany(5);
+  probe->releaseMany(0);
+  EXPECT_EQ(probe->getRetainCount(), 6);
+  probe->releaseMany(4);
+  EXPECT_EQ(sDestroyed, 0);
+  probe->retain();
+  probe->releaseMany(3);
+  EXPECT_EQ(sDestroyed, 1);
+}
+
 TEST_F(ObjectTest, DefaultDescriptionNamesClassCountAndAddress) {
   auto p = adopt(new Probe());
   auto text = adopt(p->description());
