@@ -94,8 +94,18 @@ uint32_t HashBytes(const void* theBytes, Sys::size_t theCount) {
     hash ^= hash >> 32;
   }
   if (theCount > 0) {
-    uint64_t word = 0;
-    std::memcpy(&word, bytes, theCount);
+    // The last one to seven bytes, in at most two loads of fixed size (a
+    // copy of a variable count is a call): the first and the last four,
+    // two or one, which may overlap.
+    uint64_t word;
+    if (theCount >= 4) {
+      uint32_t first, last;
+      std::memcpy(&first, bytes, 4);
+      std::memcpy(&last, bytes + theCount - 4, 4);
+      word = uint64_t(first) | uint64_t(last) << 32;
+    } else {
+      word = uint64_t(bytes[0]) | uint64_t(bytes[theCount / 2]) << 8 | uint64_t(bytes[theCount - 1]) << 16;
+    }
     hash = (hash ^ word) * 0xFF51AFD7ED558CCDu;
   }
   hash ^= hash >> 29;
