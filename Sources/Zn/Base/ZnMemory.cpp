@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace Zn {
 
@@ -25,6 +27,24 @@ void* Reallocate(void* theMemory, Sys::size_t theSize) {
 void Free(void* theMemory) {
   if (theMemory)
     std::free(theMemory);
+}
+
+void Prefault(void* theMemory, Sys::size_t theSize) {
+#ifdef MADV_POPULATE_WRITE
+  // Only whole pages inside the block: its neighbours are not ours to touch.
+  static const long page = sysconf(_SC_PAGESIZE);
+  if (page <= 0)
+    return;
+  const uintptr_t mask = uintptr_t(page) - 1;
+  const uintptr_t start = (reinterpret_cast<uintptr_t>(theMemory) + mask) & ~mask;
+  const uintptr_t end = (reinterpret_cast<uintptr_t>(theMemory) + theSize) & ~mask;
+  // An older kernel refuses the advice, and the pages come as they are written.
+  if (end > start)
+    madvise(reinterpret_cast<void*>(start), end - start, MADV_POPULATE_WRITE);
+#else
+  (void)theMemory;
+  (void)theSize;
+#endif
 }
 
 uint64_t GetTotalAllocated() { return sTotalAllocated; }

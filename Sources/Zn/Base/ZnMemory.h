@@ -12,6 +12,10 @@ void* AllocateZeroed(Sys::size_t theSize);
 void* Reallocate(void* theMemory, Sys::size_t theSize);
 /// free; null is ignored.
 void Free(void* theMemory);
+/// Brings in the pages of theSize bytes at theMemory at once, where the
+/// system can, rather than one fault at a time as each is first written: for
+/// a large block about to be filled. Changes no byte.
+void Prefault(void* theMemory, Sys::size_t theSize);
 /// Bytes handed out so far (never decreases): by Allocate and by
 /// AllocateObject, whether an object came from malloc or from a block.
 uint64_t GetTotalAllocated();

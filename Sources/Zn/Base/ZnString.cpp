@@ -23,6 +23,9 @@ namespace {
 // count is one the compiler turns into vector instructions at -O2.
 constexpr ZnIndex kUnitsAtOnce = 16;
 
+/// Growing to this many bytes, a buffer has its new pages brought in at once.
+constexpr Sys::size_t kPrefaultedSize = Sys::size_t(256) << 10;
+
 /// Whether every unit fits in one byte.
 bool AllNarrow(const ZnUnichar* theCharacters, ZnIndex theLength) {
   ZnUnichar any = 0;
@@ -489,7 +492,13 @@ void MutableString::ensureCapacity(ZnIndex theLength) {
   ZnIndex capacity = capacity_ ? capacity_ : 1;
   while (capacity < theLength)
     capacity *= 2;
-  characters_ = Reallocate(characters_, Sys::size_t(capacity) * (isWide_ ? 2 : 1));
+  const Sys::size_t unitSize = isWide_ ? 2 : 1;
+  characters_ = Reallocate(characters_, Sys::size_t(capacity) * unitSize);
+  // A buffer this large is being filled with a long text (a picture, a
+  // packed array): its new pages come in at once, not a fault each.
+  if (Sys::size_t(capacity) * unitSize >= kPrefaultedSize)
+    Prefault(static_cast<char*>(characters_) + Sys::size_t(capacity_) * unitSize,
+             Sys::size_t(capacity - capacity_) * unitSize);
   capacity_ = capacity;
   hasWideRoom_ = isWide_;
 }
