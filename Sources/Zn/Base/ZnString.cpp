@@ -56,6 +56,24 @@ void CopyUnits(const From* __restrict theFrom, To* __restrict theTo, ZnIndex the
   }
 }
 
+/// Copies theLength 16-bit units to one byte each, as long as they fit, and
+/// says whether all did: the check and the copy in one pass. What it copied
+/// of a run that does not fit is to be written again.
+bool CopyNarrowing(const ZnUnichar* __restrict theFrom, uint8_t* __restrict theTo, ZnIndex theLength) {
+  ZnUnichar any = 0;
+  ZnIndex i = 0;
+  for (; theLength - i >= kUnitsAtOnce; i += kUnitsAtOnce)
+    for (ZnIndex k = 0; k < kUnitsAtOnce; ++k) {
+      any |= theFrom[i + k];
+      theTo[i + k] = uint8_t(theFrom[i + k]);
+    }
+  for (; i < theLength; ++i) {
+    any |= theFrom[i];
+    theTo[i] = uint8_t(theFrom[i]);
+  }
+  return any <= 0xFF;
+}
+
 /// The hash of the units as the bytes of 16-bit units in memory would give
 /// it: each four bytes XORed in as a little-endian word, a last lone unit
 /// byte by byte. A one-byte string hashes as its widened copy does.
@@ -581,6 +599,15 @@ template <class CharT> void MutableString::replaceUnits(Range theRange, const Ch
     return;
   const ZnIndex newLength = length() - theRange.length + theLength;
   ensureCapacity(newLength);
+  if constexpr (sizeof(CharT) == 2) {
+    // Appending to one-byte text, the most common case: the units are
+    // narrowed as they are checked, in place.
+    if (!isWide_ && theRange.location == length() &&
+        CopyNarrowing(theCharacters, narrow() + theRange.location, theLength)) {
+      length_ = uint32_t(newLength);
+      return;
+    }
+  }
   if (!isWide_ && !AllNarrow(theCharacters, theLength))
     widen();
   const ZnIndex tail = length() - theRange.getMaximum();
