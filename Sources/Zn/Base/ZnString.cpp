@@ -624,10 +624,10 @@ template <class CharT> void MutableString::replaceUnits(Range theRange, const Ch
 void MutableString::appendCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
   if (theLength <= 0)
     return;
-  // Most runs are a few units: not worth a call.
-  if (theLength <= 16 && length() + theLength <= capacity_) {
-    for (ZnIndex i = 0; i < theLength; ++i)
-      appendCharacter(theCharacters[i]);
+  // Most runs are a few units of one-byte text, with room for them.
+  if (!isWide_ && length() + theLength <= capacity_ &&
+      CopyNarrowing(theCharacters, narrow() + length(), theLength)) {
+    length_ = uint32_t(length() + theLength);
     return;
   }
   replaceUnits(Range(length(), 0), theCharacters, theLength);

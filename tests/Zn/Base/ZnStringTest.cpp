@@ -226,18 +226,22 @@ TEST_F(StringTest, MutableStringWidensOnTheFirstWideUnit) {
   }
 }
 
-// A long run appended to one-byte text is narrowed as it is checked; one
-// with a wide unit anywhere, the last included, comes out whole and wide.
-TEST_F(StringTest, LongRunsAppendWhereverTheirWideUnitIs) {
-  for (size_t length : {size_t(17), size_t(40), size_t(1000)}) {
-    for (size_t wideAt : {size_t(0), length / 2, length - 1, length}) {
-      std::u16string run;
-      for (size_t i = 0; i < length; ++i)
-        run += char16_t(i == wideAt ? 0x263A : 0xE0 + i % 31);
-      auto s = adopt(new MutableString(adopt(new String("caf\xE9")).get()));
-      s->appendCharacters(reinterpret_cast<const ZnUnichar*>(run.data()), ZnIndex(run.size()));
-      EXPECT_EQ(s->isWide(), wideAt < length) << length << " " << wideAt;
-      EXPECT_EQ(Units(s.get()), u"caf\u00e9" + run) << length << " " << wideAt;
+// A run appended to one-byte text is narrowed as it is checked; one with a
+// wide unit anywhere, the last included, comes out whole and wide, whether
+// the string had room for it or grew.
+TEST_F(StringTest, RunsAppendWhereverTheirWideUnitIs) {
+  for (ZnIndex room : {0, 2000}) {
+    for (size_t length : {size_t(3), size_t(17), size_t(40), size_t(1000)}) {
+      for (size_t wideAt : {size_t(0), length / 2, length - 1, length}) {
+        std::u16string run;
+        for (size_t i = 0; i < length; ++i)
+          run += char16_t(i == wideAt ? 0x263A : 0xE0 + i % 31);
+        auto s = adopt(new MutableString(adopt(new String("caf\xE9")).get()));
+        s->ensureCapacity(room);
+        s->appendCharacters(reinterpret_cast<const ZnUnichar*>(run.data()), ZnIndex(run.size()));
+        EXPECT_EQ(s->isWide(), wideAt < length) << room << " " << length << " " << wideAt;
+        EXPECT_EQ(Units(s.get()), u"caf\u00e9" + run) << room << " " << length << " " << wideAt;
+      }
     }
   }
 }
