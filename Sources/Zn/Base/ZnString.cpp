@@ -1,4 +1,4 @@
-//===- ZnString.cpp - Immutable and growable UTF-16 text -------------------===//
+//===- ZnString.cpp - Immutable UTF-16 text in one of two forms ------------===//
 #include "Zn/Base/ZnString.h"
 #include "Zn/Base/ZnAssert.h"
 #include "Zn/Base/ZnData.h"
@@ -6,6 +6,7 @@
 #include "Zn/Base/ZnObjectHeap.h"
 #include "Zn/Base/ZnRef.h"
 #include "Zn/Base/ZnStringEncoding.h"
+#include "Zn/Base/ZnStringUnits.h"
 #include "Zn/IO/ZnWriter.h"
 #include <cmath>
 #include <cstdio>
@@ -18,62 +19,9 @@ static inline ZnUnichar FoldCase(ZnUnichar theCharacter) {
   return (theCharacter >= 'A' && theCharacter <= 'Z') ? ZnUnichar(theCharacter + 32) : theCharacter;
 }
 
+using namespace StringUnits;
+
 namespace {
-// The loops over units go 16 at a time where they can: a loop of a known
-// count is one the compiler turns into vector instructions at -O2.
-constexpr ZnIndex kUnitsAtOnce = 16;
-
-/// Growing to this many bytes, a buffer has its new pages brought in at once.
-constexpr Sys::size_t kPrefaultedSize = Sys::size_t(256) << 10;
-
-/// Whether every unit fits in one byte.
-bool AllNarrow(const ZnUnichar* theCharacters, ZnIndex theLength) {
-  ZnUnichar any = 0;
-  ZnIndex i = 0;
-  for (; theLength - i >= kUnitsAtOnce; i += kUnitsAtOnce)
-    for (ZnIndex k = 0; k < kUnitsAtOnce; ++k)
-      any |= theCharacters[i + k];
-  for (; i < theLength; ++i)
-    any |= theCharacters[i];
-  return any <= 0xFF;
-}
-bool AllNarrow(const uint8_t*, ZnIndex) { return true; }
-
-/// Copies theLength units from one form to another (one that can hold them).
-/// The two never overlap, as for a memcpy.
-template <class To, class From>
-void CopyUnits(const From* __restrict theFrom, To* __restrict theTo, ZnIndex theLength) {
-  if constexpr (sizeof(To) == sizeof(From)) {
-    if (theLength > 0)
-      CopyMemory(theFrom, theTo, Sys::size_t(theLength) * sizeof(To));
-  } else {
-    ZnIndex i = 0;
-    for (; theLength - i >= kUnitsAtOnce; i += kUnitsAtOnce)
-      for (ZnIndex k = 0; k < kUnitsAtOnce; ++k)
-        theTo[i + k] = To(theFrom[i + k]);
-    for (; i < theLength; ++i)
-      theTo[i] = To(theFrom[i]);
-  }
-}
-
-/// Copies theLength 16-bit units to one byte each, as long as they fit, and
-/// says whether all did: the check and the copy in one pass. What it copied
-/// of a run that does not fit is to be written again.
-bool CopyNarrowing(const ZnUnichar* __restrict theFrom, uint8_t* __restrict theTo, ZnIndex theLength) {
-  ZnUnichar any = 0;
-  ZnIndex i = 0;
-  for (; theLength - i >= kUnitsAtOnce; i += kUnitsAtOnce)
-    for (ZnIndex k = 0; k < kUnitsAtOnce; ++k) {
-      any |= theFrom[i + k];
-      theTo[i + k] = uint8_t(theFrom[i + k]);
-    }
-  for (; i < theLength; ++i) {
-    any |= theFrom[i];
-    theTo[i] = uint8_t(theFrom[i]);
-  }
-  return any <= 0xFF;
-}
-
 /// The hash of the units as the bytes of 16-bit units in memory would give
 /// it: each four bytes XORed in as a little-endian word, a last lone unit
 /// byte by byte. A one-byte string hashes as its widened copy does.
@@ -168,6 +116,14 @@ void String::widenInto(ZnIndex theCapacity) {
     Free(characters_);
   characters_ = units;
   isWide_ = true;
+}
+
+String* String::createOwning(void* theBlock, ZnIndex theLength, bool theIsWide) {
+  auto* string = new String();
+  string->characters_ = theBlock;
+  string->length_ = uint32_t(theLength);
+  string->isWide_ = theIsWide;
+  return string;
 }
 
 //===--- Conversion with encodings -------------------------------------------===//
@@ -495,179 +451,4 @@ WideCharacters::WideCharacters(const String* theString) : length_(theString->len
 
 WideCharacters::~WideCharacters() { Free(block_); }
 
-//===--- MutableString -------------------------------------------------------===//
-
-MutableString::MutableString(ZnIndex theCapacity) {
-  if (theCapacity > 0)
-    ensureCapacity(theCapacity);
-}
-
-MutableString::MutableString(const String* theString) { appendString(theString); }
-
-void MutableString::ensureCapacity(ZnIndex theLength) {
-  if (theLength <= capacity_)
-    return;
-  ZnIndex capacity = capacity_ ? capacity_ : 1;
-  while (capacity < theLength)
-    capacity *= 2;
-  const Sys::size_t unitSize = isWide_ ? 2 : 1;
-  characters_ = Reallocate(characters_, Sys::size_t(capacity) * unitSize);
-  // A buffer this large is being filled with a long text (a picture, a
-  // packed array): its new pages come in at once, not a fault each.
-  if (Sys::size_t(capacity) * unitSize >= kPrefaultedSize)
-    Prefault(static_cast<char*>(characters_) + Sys::size_t(capacity_) * unitSize,
-             Sys::size_t(capacity - capacity_) * unitSize);
-  capacity_ = capacity;
-  hasWideRoom_ = isWide_;
-}
-
-void MutableString::widen() {
-  if (isWide_)
-    return;
-  if (hasWideRoom_) {
-    // Widened in the block it has, last unit first, so that none is
-    // overwritten before it is read.
-    const uint8_t* units = narrow();
-    for (ZnIndex i = length(); i-- > 0;)
-      wide()[i] = units[i];
-    isWide_ = true;
-  } else if (length_ > 0) {
-    widenInto(capacity_);
-  } else {
-    // Nothing to convert: the block only needs twice the bytes.
-    characters_ = Reallocate(characters_, Sys::size_t(capacity_ > 0 ? capacity_ : 1) * 2);
-    isWide_ = true;
-  }
-  hasWideRoom_ = true;
-}
-
-ZnUnichar* MutableString::getMutableCharactersPtr() {
-  ZnAssert(isWide_, 0);
-  return wide();
-}
-
-const ZnUnichar* MutableString::getWideCharactersPtr() const {
-  ZnAssert(isWide_, 0);
-  return wide();
-}
-
-String* String::createOwning(void* theBlock, ZnIndex theLength, bool theIsWide) {
-  auto* string = new String();
-  string->characters_ = theBlock;
-  string->length_ = uint32_t(theLength);
-  string->isWide_ = theIsWide;
-  return string;
-}
-
-String* MutableString::createStringTakingCharacters() {
-  if (length_ == 0)
-    return new String();
-  String* string =
-      createOwning(Reallocate(characters_, Sys::size_t(length()) * (isWide_ ? 2 : 1)), length(), isWide_);
-  characters_ = nullptr;
-  capacity_ = 0;
-  length_ = 0;
-  isWide_ = false;
-  hasWideRoom_ = false;
-  return string;
-}
-
-void MutableString::removeAll() {
-  length_ = 0;
-  if (isWide_) {
-    isWide_ = false;
-    hasWideRoom_ = true;
-  }
-}
-
-void MutableString::setLength(ZnIndex theLength) {
-  ZnAssert((theLength >= 0) && (theLength <= capacity_), theLength);
-  length_ = uint32_t(theLength);
-}
-
-void MutableString::appendCharacterSlowly(ZnUnichar theCharacter) {
-  ensureCapacity(length() + 1);
-  if (theCharacter > 0xFF)
-    widen();
-  appendCharacter(theCharacter);
-}
-
-template <class CharT> void MutableString::replaceUnits(Range theRange, const CharT* theCharacters, ZnIndex theLength) {
-  ZnAssert((theRange.location + theRange.length) <= length_, theRange.location);
-  ZnAssert(theLength >= 0, theLength);
-  if (theRange.length == 0 && theLength == 0)
-    return;
-  const ZnIndex newLength = length() - theRange.length + theLength;
-  ensureCapacity(newLength);
-  if constexpr (sizeof(CharT) == 2) {
-    // Appending to one-byte text, the most common case: the units are
-    // narrowed as they are checked, in place.
-    if (!isWide_ && theRange.location == length() &&
-        CopyNarrowing(theCharacters, narrow() + theRange.location, theLength)) {
-      length_ = uint32_t(newLength);
-      return;
-    }
-  }
-  if (!isWide_ && !AllNarrow(theCharacters, theLength))
-    widen();
-  const ZnIndex tail = length() - theRange.getMaximum();
-  if (isWide_) {
-    MoveMemory(wide() + theRange.getMaximum(), wide() + theRange.location + theLength, Sys::size_t(tail) * 2);
-    CopyUnits(theCharacters, wide() + theRange.location, theLength);
-  } else {
-    MoveMemory(narrow() + theRange.getMaximum(), narrow() + theRange.location + theLength, Sys::size_t(tail));
-    CopyUnits(theCharacters, narrow() + theRange.location, theLength);
-  }
-  length_ = uint32_t(newLength);
-}
-
-void MutableString::appendCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
-  if (theLength <= 0)
-    return;
-  // Most runs are a few units of one-byte text, with room for them.
-  if (!isWide_ && length() + theLength <= capacity_ &&
-      CopyNarrowing(theCharacters, narrow() + length(), theLength)) {
-    length_ = uint32_t(length() + theLength);
-    return;
-  }
-  replaceUnits(Range(length(), 0), theCharacters, theLength);
-}
-
-void MutableString::appendCString(const char* theString, ZnIndex theLength) {
-  ZnAssert(theString != NULL, 0);
-  if (theLength < 0)
-    theLength = ZnIndex(StringLength(theString));
-  replaceUnits(Range(length(), 0), reinterpret_cast<const uint8_t*>(theString), theLength);
-}
-
-void MutableString::appendString(const String* theString) {
-  ZnAssert(theString != NULL, 0);
-  theString->withCharacters(
-      [&](auto theUnits, ZnIndex theLength) { replaceUnits(Range(length(), 0), theUnits, theLength); });
-}
-
-void MutableString::insertCharacters(ZnIndex theIndex, const ZnUnichar* theCharacters, ZnIndex theLength) {
-  if (theIndex < 0)
-    theIndex = length();
-  ZnAssert(theIndex <= length_, theIndex);
-  ZnAssert(theLength >= 0, theLength);
-  replaceUnits(Range(theIndex, 0), theCharacters, theLength);
-}
-
-void MutableString::deleteCharactersInRange(Range theRange) {
-  replaceUnits(theRange, static_cast<const uint8_t*>(nullptr), 0);
-}
-
-void MutableString::replaceCharactersInRange(Range theRange, const ZnUnichar* theCharacters, ZnIndex theLength) {
-  replaceUnits(theRange, theCharacters, theLength);
-}
-
-Object* MutableString::copy() const { return substringWithRange(Range(0, length())); }
-
-// A mutable string may change after it was described, so its description is
-// a snapshot.
-String* MutableString::description() const { return substringWithRange(Range(0, length())); }
-
-const char* MutableString::className() const { return "MutableString"; }
-const char* MutableString::superclassName() const { return "Zn::String"; }
 } // namespace Zn
