@@ -134,8 +134,14 @@ template <class CharT> void MutableString::replaceUnits(Range theRange, const Ch
 void MutableString::appendCharacters(const ZnUnichar* theCharacters, ZnIndex theLength) {
   if (theLength <= 0)
     return;
-  // Most runs are a few units of one-byte text, with room for them.
-  if (!isWide_ && length() + theLength <= capacity_) {
+  // Most runs are a few units with room for them: copied straight in,
+  // narrowed on the way into one-byte text.
+  if (length() + theLength <= capacity_) {
+    if (isWide_) {
+      CopyUnits(theCharacters, wide() + length(), theLength);
+      length_ = uint32_t(length() + theLength);
+      return;
+    }
     if (CopyNarrowing(theCharacters, narrow() + length(), theLength)) {
       length_ = uint32_t(length() + theLength);
       return;

@@ -44,30 +44,30 @@ bool TidyWriter::flushText() {
 }
 
 template <class CharT> bool TidyWriter::tidy(const CharT* theCharacters, int theCount) {
-  int runStart = 0;
-  for (int i = 0; i <= theCount; ++i) {
-    const ZnUnichar c = i < theCount ? ZnUnichar(theCharacters[i]) : 0;
-    const bool blank = c == ' ' || c == 9;
-    const bool lineBreak = c == 10;
-    if (i < theCount && !blank && !lineBreak)
-      continue;
-    // The run before this character is ordinary text.
-    if (i > runStart) {
-      releaseHeld();
-      if constexpr (sizeof(CharT) == sizeof(ZnUnichar)) {
-        text_->appendCharacters(theCharacters + runStart, i - runStart);
-      } else {
-        for (int k = runStart; k < i; ++k)
-          text_->appendCharacter(ZnUnichar(theCharacters[k]));
-      }
+  // Line by line: a line's text, blanks between words included, goes on in
+  // one piece; only the blanks at its end wait for what follows.
+  for (int start = 0;; ++start) {
+    int end = start;
+    while (end < theCount && theCharacters[end] != 10)
+      ++end;
+    int textEnd = end;
+    while (textEnd > start && (theCharacters[textEnd - 1] == ' ' || theCharacters[textEnd - 1] == 9))
+      --textEnd;
+    if (textEnd > start) {
+      if (heldBreaks_ > 0 || !documentStarted_ || heldBlanks_->length() > 0)
+        releaseHeld();
+      if constexpr (sizeof(CharT) == sizeof(ZnUnichar))
+        text_->appendCharacters(theCharacters + start, textEnd - start);
+      else
+        text_->appendCString(reinterpret_cast<const char*>(theCharacters + start), textEnd - start);
     }
-    runStart = i + 1;
-    if (blank) {
-      heldBlanks_->appendCharacter(c);
-    } else if (lineBreak) {
-      heldBlanks_->setLength(0);
-      ++heldBreaks_;
-    }
+    for (int i = textEnd; i < end; ++i)
+      heldBlanks_->appendCharacter(ZnUnichar(theCharacters[i]));
+    if (end == theCount)
+      break;
+    heldBlanks_->setLength(0);
+    ++heldBreaks_;
+    start = end;
   }
   return text_->length() < kFlushLength ? !failed_ : flushText();
 }

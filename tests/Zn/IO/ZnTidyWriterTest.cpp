@@ -41,6 +41,7 @@ TEST_F(TidyWriterTest, DropsTrailingBlanksAndRunsOfEmptyLines) {
       {{"a", " ", "\n", "\t", "b"}, 0, "a\n\tb"},
       // Blanks inside a line stay, however many.
       {{"a  b", "\t c"}, 0, "a  b\t c"},
+      {{"a ", " b \t", "\n c"}, 0, "a  b\n c"},
       // At most one empty line in a row, also across pieces.
       {{"a\n\n\n\nb"}, 0, "a\n\nb"},
       {{"a\n", "\n", "\n", "b\n\n\n"}, 0, "a\n\nb\n\n"},
