@@ -591,14 +591,21 @@ double RealValue(const NumberDigits& theDigits, int32_t theExponent, const Mutab
     double m = double(theDigits.mantissa);
     return power >= 0 ? m * kExactPowers[power] : m / kExactPowers[-power];
   }
+  // The digits, "e" and the exponent; most fit the buffer on the stack.
+  constexpr Sys::size_t kExponentRoom = 16;
+  char local[64];
   ZnIndex length = theText->length();
-  char* buffer = static_cast<char*>(Allocate(Sys::size_t(length) + 16));
+  char* buffer = Sys::size_t(length) + kExponentRoom <= sizeof local
+                     ? local
+                     : static_cast<char*>(Allocate(Sys::size_t(length) + kExponentRoom));
   for (ZnIndex i = 0; i < length; ++i)
     buffer[i] = char(theText->unitAt(i));
-  int written = StringFormat(buffer + length, 16, "e%d", theExponent);
+  buffer[length] = 'e';
+  char* end = std::to_chars(buffer + length + 1, buffer + length + kExponentRoom, theExponent).ptr;
   double result = 0.0;
-  std::from_chars(buffer, buffer + length + written, result);
-  Free(buffer);
+  std::from_chars(buffer, end, result);
+  if (buffer != local)
+    Free(buffer);
   return result;
 }
 } // namespace

@@ -159,6 +159,8 @@ TEST_F(LexerTest, NumbersOfEveryForm) {
       {"3.87`*^9 1`20 2``10.5", {KxMachineReal, KxMachineReal, KxMachineReal},
        "3870000000.000000|1.000000|2.000000"},
       {"123456789012345678901234.5", {KxMachineReal}, "123456789012345685803008.000000"},
+      {"1000000000000000000000000000000000000000000000000000000000000.0*^-42", {KxMachineReal},
+       "1000000000000000000.000000"},
       {"12\\\n34", {KxMachineInteger}, "1234"},
       // Characters that do not continue the number are given back.
       {"2^3", {KxMachineInteger, '^', KxMachineInteger}, "2|3"},
