@@ -4,16 +4,14 @@
 
 namespace {
 using NbtextTest::ConvertNotebook;
+using NbtextTest::HtmlPage;
 using NbtextTest::WithoutCellStyles;
-
-std::string Page(const std::string& theBody, const std::string& theHead = "") {
-  return NbtextTest::HtmlPage(theBody, theHead);
-}
 
 struct Golden {
   const char* name;
-  const char* notebook; // the cells, inside Notebook[{...}]
-  const char* body;     // the page between its fixed head and tail
+  const char* notebook;  // the cells, inside Notebook[{...}], or a whole notebook
+  const char* body;      // the page between its fixed head and tail
+  const char* head = ""; // the title and meta elements
 };
 
 void PrintTo(const Golden& theCase, std::ostream* theStream) { *theStream << theCase.name; }
@@ -109,6 +107,28 @@ const Golden kGoldens[] = {
      R"nb(Cell[BoxData[GridBox[{{"a", "b"}, {"c"}, x, {"\[SpanFromAbove]\[SpanFromAbove]", "<"}}]]])nb",
      "<table border=\"1\">\n<tr><td>a</td><td>b</td></tr><tr><td>c</td></tr><tr></tr>"
      "<tr><td></td><td>&lt;</td></tr></table>\n"},
+    // The head: the title and the author and keywords meta elements, read
+    // from the notebook before its cells are written.
+    {"NoTitleNoElement", R"nb(Notebook[{Cell["x", "Text"]}])nb", "\n<div class=\"Text\">x</div>"},
+    {"TitleFromTheFirstTitleCellOnOneLine", R"nb(Notebook[{Cell["x", "Text"], Cell[CellGroupData[{Cell["", "Title"], Cell["The  title\nhere", "Title"], Cell["Second", "Title"]}, Open]]}, WindowTitle->"Window"])nb",
+     "\n<div class=\"Text\">x</div>\n<div class=\"Title\"></div>\n<div class=\"Title\">The  title<br/>\nhere</div>"
+     "\n<div class=\"Title\">Second</div>",
+     "<title>The title here</title>\n"},
+    {"TitleFromTheWindowTitle", R"nb(Notebook[{Cell["x", "Section"]}, WindowTitle->"Orbits \[Alpha]"])nb",
+     "\n<div class=\"Section\">x</div>",
+     "<title>Orbits \xCE\xB1</title>\n"},
+    {"TitleHoldsNoMarkup", R"nb(Notebook[{Cell[TextData[{"Big ", StyleBox["bold", FontWeight->"Bold"], Cell[BoxData[SuperscriptBox["x", "2"]]]}], "Title"]}])nb",
+     "\n<div class=\"Title\">Big <span style=\"font-weight:bold;\">bold</span>x<sup>2</sup></div>",
+     "<title>Big boldx^2</title>\n"},
+    {"AuthorsAndKeywordsAreJoined", R"nb(Notebook[{Cell["Ann", "Author"], Cell["Bob\nLee", "Author"], Cell["graphs, trees", "Keywords"]}])nb",
+     "\n<div class=\"Author\">Ann</div>\n<div class=\"Author\">Bob<br/>\nLee</div>"
+     "\n<div class=\"Keywords\">graphs, trees</div>",
+     "<meta name=\"author\" content=\"Ann, Bob Lee\">\n<meta name=\"keywords\" content=\"graphs, trees\">\n"},
+    {"HeadTextsAreEscaped", R"nb(Notebook[{Cell["a<b & \"c\"", "Title"], Cell["O'Neil <x>", "Author"], Cell["\"q\" & r\.7f", "Keywords"]}])nb",
+     "\n<div class=\"Title\">a&lt;b &amp; &quot;c&quot;</div>\n<div class=\"Author\">O&apos;Neil &lt;x&gt;</div>"
+     "\n<div class=\"Keywords\">&quot;q&quot; &amp; r</div>",
+     "<title>a&lt;b &amp; &quot;c&quot;</title>\n<meta name=\"author\" content=\"O&apos;Neil &lt;x&gt;\">\n"
+     "<meta name=\"keywords\" content=\"&quot;q&quot; &amp; r\">\n"},
 };
 #undef GRAPHICS
 
@@ -116,62 +136,14 @@ class NotebookHtmlGoldenTest : public testing::TestWithParam<Golden> {};
 
 TEST_P(NotebookHtmlGoldenTest, WritesExactly) {
   const Golden& golden = GetParam();
-  auto run = ConvertNotebook(std::string("Notebook[{") + golden.notebook + "}]", {"-html"});
+  const std::string notebook = golden.notebook;
+  auto run = ConvertNotebook(notebook.starts_with("Notebook[") ? notebook : "Notebook[{" + notebook + "}]", {"-html"});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(WithoutCellStyles(run.out), Page(golden.body));
+  EXPECT_EQ(WithoutCellStyles(run.out), HtmlPage(golden.body, golden.head));
 }
 
 INSTANTIATE_TEST_SUITE_P(Boxes, NotebookHtmlGoldenTest, testing::ValuesIn(kGoldens),
                          [](const testing::TestParamInfo<Golden>& theInfo) { return theInfo.param.name; });
-
-// The head: the title and the author and keywords meta elements, read from
-// the notebook before its cells are written.
-struct HeadGolden {
-  const char* name;
-  const char* notebook; // the whole notebook
-  const char* head;     // the title and meta elements
-  const char* body;
-};
-
-void PrintTo(const HeadGolden& theCase, std::ostream* theStream) { *theStream << theCase.name; }
-
-const HeadGolden kHeadGoldens[] = {
-    {"NoTitleNoElement", R"nb(Notebook[{Cell["x", "Text"]}])nb", "", "\n<div class=\"Text\">x</div>"},
-    {"TitleFromTheFirstTitleCellOnOneLine",
-     R"nb(Notebook[{Cell["x", "Text"], Cell[CellGroupData[{Cell["", "Title"], Cell["The  title\nhere", "Title"], Cell["Second", "Title"]}, Open]]}, WindowTitle->"Window"])nb",
-     "<title>The title here</title>\n",
-     "\n<div class=\"Text\">x</div>\n<div class=\"Title\"></div>\n<div class=\"Title\">The  title<br/>\nhere</div>"
-     "\n<div class=\"Title\">Second</div>"},
-    {"TitleFromTheWindowTitle", R"nb(Notebook[{Cell["x", "Section"]}, WindowTitle->"Orbits \[Alpha]"])nb",
-     "<title>Orbits \xCE\xB1</title>\n", "\n<div class=\"Section\">x</div>"},
-    {"TitleHoldsNoMarkup",
-     R"nb(Notebook[{Cell[TextData[{"Big ", StyleBox["bold", FontWeight->"Bold"], Cell[BoxData[SuperscriptBox["x", "2"]]]}], "Title"]}])nb",
-     "<title>Big boldx^2</title>\n",
-     "\n<div class=\"Title\">Big <span style=\"font-weight:bold;\">bold</span>x<sup>2</sup></div>"},
-    {"AuthorsAndKeywordsAreJoined",
-     R"nb(Notebook[{Cell["Ann", "Author"], Cell["Bob\nLee", "Author"], Cell["graphs, trees", "Keywords"]}])nb",
-     "<meta name=\"author\" content=\"Ann, Bob Lee\">\n<meta name=\"keywords\" content=\"graphs, trees\">\n",
-     "\n<div class=\"Author\">Ann</div>\n<div class=\"Author\">Bob<br/>\nLee</div>"
-     "\n<div class=\"Keywords\">graphs, trees</div>"},
-    {"HeadTextsAreEscaped",
-     R"nb(Notebook[{Cell["a<b & \"c\"", "Title"], Cell["O'Neil <x>", "Author"], Cell["\"q\" & r\.7f", "Keywords"]}])nb",
-     "<title>a&lt;b &amp; &quot;c&quot;</title>\n<meta name=\"author\" content=\"O&apos;Neil &lt;x&gt;\">\n"
-     "<meta name=\"keywords\" content=\"&quot;q&quot; &amp; r\">\n",
-     "\n<div class=\"Title\">a&lt;b &amp; &quot;c&quot;</div>\n<div class=\"Author\">O&apos;Neil &lt;x&gt;</div>"
-     "\n<div class=\"Keywords\">&quot;q&quot; &amp; r</div>"},
-};
-
-class NotebookHtmlHeadTest : public testing::TestWithParam<HeadGolden> {};
-
-TEST_P(NotebookHtmlHeadTest, WritesExactly) {
-  const HeadGolden& golden = GetParam();
-  auto run = ConvertNotebook(golden.notebook, {"-html"});
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(WithoutCellStyles(run.out), Page(golden.body, golden.head));
-}
-
-INSTANTIATE_TEST_SUITE_P(Head, NotebookHtmlHeadTest, testing::ValuesIn(kHeadGoldens),
-                         [](const testing::TestParamInfo<HeadGolden>& theInfo) { return theInfo.param.name; });
 
 // The style sheet shows the common cell styles as what they are: each rule
 // named here holds the declaration.
@@ -224,14 +196,14 @@ TEST(NotebookHtmlIndexerTest, SeveralNotebooksEachGetTheirOwnPage) {
   std::string first = dir.write("first.nb", R"nb(Notebook[{Cell["one", "Title"]}, WindowSize->{500, 600}])nb");
   std::string refused = dir.write("refused.html", "<html></html>");
   std::string second = dir.write("second.nb", R"nb(Notebook[{Cell["two", "Text"]}, StyleDefinitions->"Book.nb"])nb");
+  const std::string pages = HtmlPage("\n<div class=\"Title\">one</div>", "<title>one</title>\n") +
+                            HtmlPage("\n<div class=\"Text\">two</div>");
   auto run = NbtextTest::RunNbtext({first, "-html", second});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(WithoutCellStyles(run.out), Page("\n<div class=\"Title\">one</div>", "<title>one</title>\n") +
-                         Page("\n<div class=\"Text\">two</div>"));
+  EXPECT_EQ(WithoutCellStyles(run.out), pages);
   // A refused file writes no page at all, not even a head.
   run = NbtextTest::RunNbtext({"-html", first, refused, second});
   EXPECT_EQ(run.status, 255);
-  EXPECT_EQ(WithoutCellStyles(run.out), Page("\n<div class=\"Title\">one</div>", "<title>one</title>\n") +
-                         Page("\n<div class=\"Text\">two</div>"));
+  EXPECT_EQ(WithoutCellStyles(run.out), pages);
 }
 } // namespace
