@@ -51,9 +51,6 @@ const Golden kGoldens[] = {
     {"ControlCharactersAndNoncharactersAreLeftOut", R"nb(Cell["a\.7fb\.85c\:fdd0d\:ffffe", "Text"])nb",
      "\n<div class=\"Text\">abcde</div>"},
     // Graphics.
-    {"GraphicsPlaceholderHasADefaultSize",
-     R"nb(Cell[BoxData[GraphicsBox[{LineBox[{{0, 0}, {1, 1}}]}, PlotLabel->"hidden"]], "Output"])nb",
-     "\n<div class=\"Output\">" GRAPHICS("320", "240") "</div>"},
     {"NamedImageSizes",
      R"nb(Cell[BoxData[RowBox[{GraphicsBox[{}, ImageSize->Tiny], GraphicsBox[{}, ImageSize->Small], Graphics3DBox[{}, ImageSize->Medium], GraphicsBox[{}, ImageSize->Large], GraphicsBox[{}, ImageSize->Huge]}]]])nb",
      GRAPHICS("100", "58") GRAPHICS("180", "106") GRAPHICS("360", "215") GRAPHICS("576", "349") GRAPHICS("320", "240")},
@@ -84,9 +81,6 @@ const Golden kGoldens[] = {
     // Controls.
     {"ButtonLabelIsEscapedInItsAttribute", "Cell[TextData[ButtonBox[\"say \\\"hi\\\" & <go>\tnow\"]]]",
      "<input type=\"button\" value=\"say &quot;hi&quot; &amp; &lt;go&gt;&#160;&#160;&#160;&#160;now\"/>"},
-    {"InputFields",
-     R"nb(Cell[BoxData[RowBox[{InputFieldBox["\"a<b\"", String], InputFieldBox["\"\"", String], InputFieldBox[Dynamic[n]]}]]])nb",
-     "<input type=\"text\" value=\"a&lt;b\"/><input type=\"text\" value=\"\"/><input type=\"text\" value=\"n\"/>"},
     {"PopupMenuSelectionOutsideTheItems",
      R"nb(Cell[BoxData[RowBox[{PopupMenuBox["z", {"a" -> "\"A\"", "b"}], PopupMenuBox[Dynamic[m]]}]]])nb",
      "<select><option>A</option></select><select></select>"},

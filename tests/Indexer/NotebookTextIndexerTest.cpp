@@ -61,9 +61,6 @@ const Golden kGoldens[] = {
      R"nb(Cell[BoxData[DynamicModuleBox[{x = 1}, RowBox[{"body", " ", DynamicBox[x]}]]], "Output"])nb",
      "body -Dynamic-\n\n"},
     // Controls.
-    {"InputFieldsWithTextEmptyAndDynamic",
-     R"nb(Cell[BoxData[RowBox[{InputFieldBox["\"abc\"", String], InputFieldBox["\"\"", String], InputFieldBox[Dynamic[name], String]}]], "Output"])nb",
-     "|__abc__||________||__name__|\n\n"},
     {"PopupMenuSkipsPlainValues",
      R"nb(Cell[BoxData[PopupMenuBox[Dynamic[m], {"x", "y" -> "Y"}]], "Output"])nb", "\t  Y\n\n"},
     // Buttons and hyperlinks.
@@ -73,9 +70,6 @@ const Golden kGoldens[] = {
      R"nb(Cell[TextData[{ButtonBox["ref", BaseStyle->"Link", ButtonData->"paclet:ref/Plot"]}], "Text"])nb",
      "ref\n\n"},
     // Graphics.
-    {"GraphicsShowOnlyTheirLabels",
-     R"nb(Cell[BoxData[GraphicsBox[{LineBox[{{0, 0}, {1, 1}}], Text["hidden"]}, AxesLabel->{"t", None}, PlotLabel->FormBox["Orbit", TraditionalForm], FrameLabel->{{None, None}, {None, None}}]], "Output"])nb",
-     "t\nOrbit\n\n"},
     {"GraphicsWithoutLabelsShowNothing",
      R"nb(Cell[BoxData[Graphics3DBox[{PolygonBox[{{0, 0, 0}}]}, ImageSize->Small]], "Output"])nb", ""},
     // Strings: escapes, named characters, quotes.

@@ -216,6 +216,18 @@ const Golden kGoldens[] = {
     {"PanelShowsItsContents", R"nb(Cell[BoxData[RowBox[{PanelBox["in"], PanelBox[]}]], "Output"])nb", "in\n\n",
      "\n<div class=\"Output\"><table bgcolor=\"#EEEEEE\" style=\"display:inline;border:1px solid;margin:2px;"
      "padding:4px;\"><tr><td>in</td></tr></table></div>"},
+    {"InputFieldsWithTextEmptyAndDynamic",
+     R"nb(Cell[BoxData[RowBox[{InputFieldBox["\"a<b\"", String], InputFieldBox["\"\"", String], InputFieldBox[Dynamic[n]], InputFieldBox[Dynamic[name], String]}]], "Output"])nb",
+     "|__a<b__||________||__n__||__name__|\n\n",
+     "\n<div class=\"Output\"><input type=\"text\" value=\"a&lt;b\"/><input type=\"text\" value=\"\"/>"
+     "<input type=\"text\" value=\"n\"/><input type=\"text\" value=\"name\"/></div>"},
+    // Graphics show only their labels in the text, a placeholder of the
+    // default size on the page.
+    {"GraphicsShowOnlyTheirLabels",
+     R"nb(Cell[BoxData[GraphicsBox[{LineBox[{{0, 0}, {1, 1}}], Text["hidden"]}, AxesLabel->{"t", None}, PlotLabel->FormBox["Orbit", TraditionalForm], FrameLabel->{{None, None}, {None, None}}]], "Output"])nb",
+     "t\nOrbit\n\n",
+     "\n<div class=\"Output\"><table width=\"320\" height=\"240\" bgcolor=\"#EEEEEE\" border=\"1\"><tr>"
+     "<td align=\"center\">-Graphics-</td></tr></table></div>"},
     {"HyperlinkEscapesURLAndLabel",
      R"nb(Cell[TextData[ButtonBox["Q&A", BaseStyle->"Hyperlink", ButtonData->{URL["http://x.example/?a=1&b='2'"], None}]], "Text"])nb",
      "Q&A <http://x.example/?a=1&b='2'>\n\n",
