@@ -203,17 +203,24 @@ std::set<std::string> SettingNames(const std::string& theSource) {
   return names;
 }
 
+/// How often one fault occurs in one output, and a few samples of it.
+struct Found {
+  int count = 0;
+  std::vector<std::string> samples;
+  void note(const std::string& theSample, int theCount = 1) {
+    if (theCount > 0 && samples.size() < 3)
+      samples.push_back(theSample);
+    count += theCount;
+  }
+};
+
 /// Code debris in a cell's output: the escapes \n, \t and \" inside a
 /// quoted string (a string shown as code: "x\ny"), and numbers with a
 /// precision mark (digits then a backquote, not part of a name such as
 /// Package1`). A backslash of the text itself, as in a path C:\temp or a
 /// log's \toks, is no escape; an escaped backslash "\\" is none either.
-int CountDebris(const std::string& theText, std::vector<std::string>* theSamples) {
-  int count = 0;
-  auto note = [&](size_t theAt) {
-    if (count++ == 0 && theSamples->size() < 3)
-      theSamples->push_back(theText.substr(theAt < 20 ? 0 : theAt - 20, 40));
-  };
+void CountDebris(const std::string& theText, Found* theFound) {
+  auto note = [&](size_t theAt) { theFound->note(theText.substr(theAt < 20 ? 0 : theAt - 20, 40)); };
   bool quoted = false;
   for (size_t i = 0; i + 1 < theText.size(); ++i) {
     char c = theText[i];
@@ -234,7 +241,6 @@ int CountDebris(const std::string& theText, std::vector<std::string>* theSamples
         note(i);
     }
   }
-  return count;
 }
 
 /// theText with each "&quot;" of HTML as the quote it stands for.
@@ -282,7 +288,7 @@ enum Fault {
 const char* const kFaultNames[kFaultCount] = {
     "words glued across a line break", "cells nested or badly named", "settings run into words",
     "code debris outside code",        "names left as escapes",       "cells starting indented",
-    "cell divs nested or unclosed",              "form names after content",    "numbers reprinted",
+    "cell divs nested or unclosed",    "form names after content",    "numbers reprinted",
     "template tags, None, paclet:",    "runs of empty lines",         "lines ending in blanks",
     "invisible or private-use names"};
 
@@ -369,8 +375,7 @@ int CountOccurrences(const std::string& theText, const std::string& thePart) {
 
 /// A number in the output that the source does not hold: six fixed
 /// decimals, or ten digits and more (a wrapped integer).
-int CountReprintedNumbers(const std::string& theOut, const std::string& theSource, std::vector<std::string>* theSamples) {
-  int count = 0;
+void CountReprintedNumbers(const std::string& theOut, const std::string& theSource, Found* theFound) {
   for (size_t i = 0; i < theOut.size(); ++i) {
     if (!IsDigit(theOut[i]) || (i > 0 && (IsWordCharacter(theOut[i - 1]) || theOut[i - 1] == '.')))
       continue;
@@ -386,176 +391,15 @@ int CountReprintedNumbers(const std::string& theOut, const std::string& theSourc
       end = fraction;
     }
     const std::string number = theOut.substr(i, end - i);
-    if ((decimals == 6 || (decimals == 0 && end - i >= 10)) && theSource.find(number) == std::string::npos) {
-      if (++count <= 3)
-        theSamples->push_back(number);
-    }
+    if ((decimals == 6 || (decimals == 0 && end - i >= 10)) && theSource.find(number) == std::string::npos)
+      theFound->note(number);
     i = end;
   }
-  return count;
 }
 
-struct Tally {
-  int counts[kFaultCount] = {};
-  /// Per fault, the files that have it and a few samples.
-  std::map<std::string, std::vector<std::string>> where[kFaultCount];
-  void add(Fault theFault, const std::string& theFile, int theCount, const std::vector<std::string>& theSamples) {
-    if (theCount == 0)
-      return;
-    counts[theFault] += theCount;
-    auto& samples = where[theFault][theFile + " (" + std::to_string(theCount) + ")"];
-    samples.insert(samples.end(), theSamples.begin(), theSamples.end());
-  }
-};
-
-/// The faults of the whole output: divs left open, runs of empty lines,
-/// lines ending in blanks.
-void MeasureLayout(const std::string& theFile, const std::string& theOut, bool theIsHTML, Tally* theTally) {
-  std::vector<std::string> samples;
-  int count = 0;
-  if (theIsHTML) {
-    // Every div that opens inside another (a cell left open swallows the
-    // ones after it), and every one never closed.
-    int depth = 0;
-    for (size_t at = theOut.find("<div"), end = theOut.find("</div>"); at != std::string::npos || end != std::string::npos;) {
-      if (at != std::string::npos && (end == std::string::npos || at < end)) {
-        if (depth++ > 0 && ++count <= 3)
-          samples.push_back(theOut.substr(at, 50));
-        at = theOut.find("<div", at + 1);
-      } else {
-        --depth;
-        end = theOut.find("</div>", end + 1);
-      }
-    }
-    count += depth > 0 ? depth : 0;
-    theTally->add(kUnclosedCells, theFile, count, samples);
-  }
-  samples.clear();
-  count = 0;
-  int blanks = 0;
-  std::vector<std::string> blankSamples;
-  int emptyLines = 0;
-  for (size_t start = 0; start < theOut.size();) {
-    size_t end = theOut.find('\n', start);
-    if (end == std::string::npos)
-      end = theOut.size();
-    const std::string line = theOut.substr(start, end - start);
-    if (!line.empty() && (line.back() == ' ' || line.back() == '\t') && ++blanks <= 3)
-      blankSamples.push_back(line.substr(line.size() < 40 ? 0 : line.size() - 40));
-    if (line.find_first_not_of(" \t") == std::string::npos) {
-      if (++emptyLines == 2 && ++count <= 3)
-        samples.push_back(theOut.substr(start < 40 ? 0 : start - 40, 40));
-    } else {
-      emptyLines = 0;
-    }
-    start = end + 1;
-  }
-  theTally->add(kEmptyLineRuns, theFile, count, samples);
-  theTally->add(kTrailingBlanks, theFile, blanks, blankSamples);
-}
-
-void Measure(const std::string& theFile, const std::string& theSource, const Rendering& theRendering, bool theIsHTML,
-             Tally* theTally) {
-  const std::string& out = theRendering.out;
-  const auto outWords = Words(out);
-  const auto sourceWords = Words(theSource);
-
-  std::vector<std::string> samples;
-  int count = 0;
-  for (const std::string& pair : WordsAcrossStringLineBreaks(theSource)) {
-    if (outWords.count(pair) && theSource.find(pair) == std::string::npos && ++count <= 3)
-      samples.push_back(pair);
-  }
-  theTally->add(kGluedWords, theFile, count, samples);
-
-  if (theIsHTML) {
-    samples.clear();
-    count = 0;
-    for (const auto& cell : theRendering.cells) {
-      // A cell's div closes before the next one opens, and its class is a
-      // plain style name.
-      bool plain = true;
-      for (char c : cell.style)
-        plain = plain && (IsWordCharacter(c) || c == '-' || c == '_');
-      size_t firstClose = cell.text.find("</div>");
-      size_t innerOpen = cell.text.find("<div", 4);
-      if (!plain || (innerOpen != std::string::npos && (firstClose == std::string::npos || innerOpen < firstClose))) {
-        if (++count <= 3)
-          samples.push_back(cell.text.substr(0, 60));
-      }
-    }
-    theTally->add(kNestedCells, theFile, count, samples);
-  }
-
-  samples.clear();
-  count = 0;
-  const std::set<std::string> settings = SettingNames(theSource);
-  for (const std::string& word : outWords) {
-    if (word.size() <= 6 || sourceWords.count(word))
-      continue;
-    for (const std::string& name : settings) {
-      if (word.size() > name.size() && word.find(name) != std::string::npos) {
-        if (++count <= 3)
-          samples.push_back(word);
-        break;
-      }
-    }
-  }
-  theTally->add(kSettingsInWords, theFile, count, samples);
-
-  samples.clear();
-  count = 0;
-  int indented = 0;
-  std::vector<std::string> indentSamples;
-  for (const auto& cell : theRendering.cells) {
-    if (!IsCodeStyle(cell.style) && !cell.plain)
-      count += CountDebris(theIsHTML ? WithQuotes(cell.text) : cell.text, &samples);
-    // Tabs of the cell's own text are its own; brackets left open by an
-    // earlier cell must not indent it.
-    if (cell.indent > 0 && ++indented <= 3)
-      indentSamples.push_back(cell.style + " at level " + std::to_string(cell.indent) + ": " + cell.text.substr(0, 40));
-  }
-  theTally->add(kDebris, theFile, count, samples);
-  if (theIsHTML) {
-    // The div of a cell is at the start of its line.
-    for (size_t at = out.find("\n\t"); at != std::string::npos; at = out.find("\n\t", at + 1)) {
-      size_t text = out.find_first_not_of('\t', at + 1);
-      if (text != std::string::npos && out.compare(text, 12, "<div class=\"") == 0 && ++indented <= 3)
-        indentSamples.push_back(out.substr(at + 1, 40));
-    }
-  }
-  theTally->add(kIndentedCells, theFile, indented, indentSamples);
-
-  samples.clear();
-  count = 0;
-  for (size_t at = out.find("\\["); at != std::string::npos; at = out.find("\\[", at + 1)) {
-    size_t close = out.find(']', at);
-    if (close != std::string::npos && close - at < 40 && IsLeftoverName(out.substr(at + 2, close - at - 2)) &&
-        ++count <= 3)
-      samples.push_back(out.substr(at, close + 1 - at));
-  }
-  theTally->add(kLeftoverNames, theFile, count, samples);
-
-  samples.clear();
-  count = 0;
-  for (size_t at = out.find("\\["); at != std::string::npos; at = out.find("\\[", at + 1)) {
-    size_t close = out.find(']', at);
-    if (close != std::string::npos && close - at < 40 &&
-        IsInvisibleOrPrivateName(out.substr(at + 2, close - at - 2)) && ++count <= 3)
-      samples.push_back(out.substr(at, close + 1 - at));
-  }
-  theTally->add(kInvisibleNames, theFile, count, samples);
-
-  // Outside code: form names, numbers reprinted through machine types, and
-  // what templates leave behind when they are not shown as the page does.
-  samples.clear();
-  count = 0;
-  int numbers = 0;
-  std::vector<std::string> numberSamples;
-  int debris = 0;
-  std::vector<std::string> debrisSamples;
-  const std::set<std::string> tags = TemplateTags(theSource);
-  // Long numbers of the source may be cut by backslash-newline.
+/// theSource without its line continuations: long numbers may be cut by
+/// backslash-newline.
+std::string WithoutContinuations(const std::string& theSource) {
   std::string joined;
   for (size_t i = 0; i < theSource.size(); ++i) {
     if (theSource[i] == '\\' && i + 1 < theSource.size() && (theSource[i + 1] == '\n' || theSource[i + 1] == '\r')) {
@@ -564,24 +408,139 @@ void Measure(const std::string& theFile, const std::string& theSource, const Ren
     }
     joined += theSource[i];
   }
+  return joined;
+}
+
+/// Per fault, its total over the corpus and a line for each file that has it.
+struct Tally {
+  int counts[kFaultCount] = {};
+  std::vector<std::string> where[kFaultCount];
+  void add(const std::string& theFile, const Found (&theFound)[kFaultCount]) {
+    for (int fault = 0; fault < kFaultCount; ++fault) {
+      if (theFound[fault].count == 0)
+        continue;
+      counts[fault] += theFound[fault].count;
+      std::string line = theFile + " (" + std::to_string(theFound[fault].count) + ")";
+      for (const std::string& sample : theFound[fault].samples)
+        line += " | " + sample;
+      where[fault].push_back(line);
+    }
+  }
+};
+
+/// The faults of the whole output: divs left open, runs of empty lines,
+/// lines ending in blanks.
+void MeasureLayout(const std::string& theOut, bool theIsHTML, Found* theFound) {
+  if (theIsHTML) {
+    // Every div that opens inside another (a cell left open swallows the
+    // ones after it), and every one never closed.
+    int depth = 0;
+    for (size_t at = theOut.find("<div"), end = theOut.find("</div>"); at != std::string::npos || end != std::string::npos;) {
+      if (at != std::string::npos && (end == std::string::npos || at < end)) {
+        if (depth++ > 0)
+          theFound[kUnclosedCells].note(theOut.substr(at, 50));
+        at = theOut.find("<div", at + 1);
+      } else {
+        --depth;
+        end = theOut.find("</div>", end + 1);
+      }
+    }
+    theFound[kUnclosedCells].note("never closed", depth > 0 ? depth : 0);
+  }
+  int emptyLines = 0;
+  for (size_t start = 0; start < theOut.size();) {
+    size_t end = theOut.find('\n', start);
+    if (end == std::string::npos)
+      end = theOut.size();
+    const std::string line = theOut.substr(start, end - start);
+    if (!line.empty() && (line.back() == ' ' || line.back() == '\t'))
+      theFound[kTrailingBlanks].note(line.substr(line.size() < 40 ? 0 : line.size() - 40));
+    if (line.find_first_not_of(" \t") != std::string::npos)
+      emptyLines = 0;
+    else if (++emptyLines == 2)
+      theFound[kEmptyLineRuns].note(theOut.substr(start < 40 ? 0 : start - 40, 40));
+    start = end + 1;
+  }
+}
+
+void Measure(const std::string& theSource, const Rendering& theRendering, bool theIsHTML, Found* theFound) {
+  const std::string& out = theRendering.out;
+  const auto outWords = Words(out);
+  const auto sourceWords = Words(theSource);
+
+  for (const std::string& pair : WordsAcrossStringLineBreaks(theSource)) {
+    if (outWords.count(pair) && theSource.find(pair) == std::string::npos)
+      theFound[kGluedWords].note(pair);
+  }
+
+  const std::set<std::string> settings = SettingNames(theSource);
+  for (const std::string& word : outWords) {
+    if (word.size() <= 6 || sourceWords.count(word))
+      continue;
+    for (const std::string& name : settings) {
+      if (word.size() > name.size() && word.find(name) != std::string::npos) {
+        theFound[kSettingsInWords].note(word);
+        break;
+      }
+    }
+  }
+
+  for (size_t at = out.find("\\["); at != std::string::npos; at = out.find("\\[", at + 1)) {
+    size_t close = out.find(']', at);
+    if (close == std::string::npos || close - at >= 40)
+      continue;
+    const std::string name = out.substr(at + 2, close - at - 2);
+    if (IsLeftoverName(name))
+      theFound[kLeftoverNames].note(out.substr(at, close + 1 - at));
+    if (IsInvisibleOrPrivateName(name))
+      theFound[kInvisibleNames].note(out.substr(at, close + 1 - at));
+  }
+
+  if (theIsHTML) {
+    // The div of a cell is at the start of its line.
+    for (size_t at = out.find("\n\t"); at != std::string::npos; at = out.find("\n\t", at + 1)) {
+      size_t text = out.find_first_not_of('\t', at + 1);
+      if (text != std::string::npos && out.compare(text, 12, "<div class=\"") == 0)
+        theFound[kIndentedCells].note(out.substr(at + 1, 40));
+    }
+  }
+
+  const std::set<std::string> tags = TemplateTags(theSource);
+  const std::string joined = WithoutContinuations(theSource);
   for (const auto& cell : theRendering.cells) {
+    if (theIsHTML) {
+      // A cell's div closes before the next one opens, and its class is a
+      // plain style name.
+      bool plain = true;
+      for (char c : cell.style)
+        plain = plain && (IsWordCharacter(c) || c == '-' || c == '_');
+      size_t firstClose = cell.text.find("</div>");
+      size_t innerOpen = cell.text.find("<div", 4);
+      if (!plain || (innerOpen != std::string::npos && (firstClose == std::string::npos || innerOpen < firstClose)))
+        theFound[kNestedCells].note(cell.text.substr(0, 60));
+    }
+    // Tabs of the cell's own text are its own; brackets left open by an
+    // earlier cell must not indent it.
+    if (cell.indent > 0)
+      theFound[kIndentedCells].note(cell.style + " at level " + std::to_string(cell.indent) + ": " +
+                                    cell.text.substr(0, 40));
+    // Outside code: code debris, form names, numbers reprinted through
+    // machine types, and what templates leave behind when they are not
+    // shown as the page does.
     if (IsCodeStyle(cell.style) || cell.plain)
       continue;
+    CountDebris(theIsHTML ? WithQuotes(cell.text) : cell.text, &theFound[kDebris]);
     // The form of a cell's boxes, run into what they show ("x^2StandardForm").
     for (const char* form : {"StandardForm", "TraditionalForm"}) {
       for (size_t at = cell.text.find(form); at != std::string::npos; at = cell.text.find(form, at + 1)) {
         const char before = at > 0 ? cell.text[at - 1] : ' ';
-        if ((IsWordCharacter(before) || before == ')' || before == ']' || before == '}') && ++count <= 3)
-          samples.push_back(cell.text.substr(at < 30 ? 0 : at - 30, 50));
+        if (IsWordCharacter(before) || before == ')' || before == ']' || before == '}')
+          theFound[kFormNames].note(cell.text.substr(at < 30 ? 0 : at - 30, 50));
       }
     }
-    numbers += CountReprintedNumbers(cell.text, joined, &numberSamples);
-    auto noteDebris = [&](const std::string& theWhat, int theCount) {
-      debris += theCount;
-      if (theCount > 0 && debrisSamples.size() < 3)
-        debrisSamples.push_back(theWhat);
-    };
-    noteDebris("paclet:", int(cell.text.find("paclet:") != std::string::npos));
+    CountReprintedNumbers(cell.text, joined, &theFound[kReprintedNumbers]);
+    Found& debris = theFound[kTemplateDebris];
+    debris.note("paclet:", int(cell.text.find("paclet:") != std::string::npos));
     for (const char* word : {"None", "Automatic"}) {
       // A lone setting: a whole word between blanks or at a line's end.
       for (size_t at = cell.text.find(word); at != std::string::npos; at = cell.text.find(word, at + 1)) {
@@ -589,31 +548,24 @@ void Measure(const std::string& theFile, const std::string& theSource, const Ren
         const bool before = at == 0 || cell.text[at - 1] == ' ' || cell.text[at - 1] == '\n';
         const bool after = end >= cell.text.size() || cell.text[end] == ' ' || cell.text[end] == '\n';
         if (before && after && CountWord(theSource, word) == CountWord(theSource, std::string(word) + "]"))
-          noteDebris(word, 1);
+          debris.note(word);
       }
     }
     for (const std::string& tag : tags) {
       // A tag that the source holds only as a tag.
       const int uses = CountWord(cell.text, tag);
       if (uses > 0 && CountWord(theSource, tag) == CountOccurrences(theSource, "\"" + tag + "\""))
-        noteDebris(tag, uses);
+        debris.note(tag, uses);
     }
   }
-  theTally->add(kFormNames, theFile, count, samples);
-  theTally->add(kReprintedNumbers, theFile, numbers, numberSamples);
-  theTally->add(kTemplateDebris, theFile, debris, debrisSamples);
 }
 
 void Report(const char* theRenderer, const Tally& theTally) {
   std::printf("%s:\n", theRenderer);
   for (int fault = 0; fault < kFaultCount; ++fault) {
     std::printf("  %-34s %6d\n", kFaultNames[fault], theTally.counts[fault]);
-    for (const auto& [file, samples] : theTally.where[fault]) {
-      std::printf("      %s", file.c_str());
-      for (const std::string& sample : samples)
-        std::printf(" | %s", sample.c_str());
-      std::printf("\n");
-    }
+    for (const std::string& line : theTally.where[fault])
+      std::printf("      %s\n", line.c_str());
   }
 }
 
@@ -629,11 +581,14 @@ TEST(CorpusReadabilityTest, RealNotebooksReadAsTheirPagesDo) {
     ++measured;
     const std::string path = NBTEXT_CORPUS_DIR "/" + file.name;
     const std::string source = ZnTest::ReadFile(path);
-    Measure(file.name, source, RenderText(path), false, &text);
+    Found inText[kFaultCount], inHTML[kFaultCount];
+    Measure(source, RenderText(path), false, inText);
+    MeasureLayout(RenderTextStream(path), false, inText);
     const Rendering page = RenderHTML(path);
-    Measure(file.name, source, page, true, &html);
-    MeasureLayout(file.name, RenderTextStream(path), false, &text);
-    MeasureLayout(file.name, page.out, true, &html);
+    Measure(source, page, true, inHTML);
+    MeasureLayout(page.out, true, inHTML);
+    text.add(file.name, inText);
+    html.add(file.name, inHTML);
   }
   EXPECT_EQ(measured, 81);
   Report("text", text);

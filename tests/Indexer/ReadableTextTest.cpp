@@ -1,7 +1,8 @@
 //===- ReadableTextTest.cpp - Real notebooks' text reads as the page does -===//
 // Small notebooks in both renderers, byte for byte: line breaks inside
 // strings, inline cells, words kept apart, strings and numbers as the page
-// shows them, cells flush left, outline counters and links to places.
+// shows them, cells flush left, outline counters, links to places, and the
+// boxes and controls common to both.
 #include <gtest/gtest.h>
 #include "Indexer/NbtextRunner.h"
 
@@ -164,6 +165,78 @@ const Golden kGoldens[] = {
      "\n<div class=\"Message\">General::ivar: 5 is not a valid variable; see &quot;y&quot;.</div>"
      "\n<div class=\"Output\">Local \u00BB <a href=\"https://example.org/J.html\">Web</a></div>"
      "\n<div class=\"Output\">12 kB, C<sub>T1</sub>, 75. \u00B1 31., &lt;&lt;242&gt;&gt;, shown</div>"},
+    // Cells, controls, links and characters, as each renderer shows them.
+    {"EmptyNotebook", "", "", ""},
+    {"CellWithoutStyleHasNoSeparatorAndNoDiv", R"nb(Cell["bare"])nb", "bare", "bare"},
+    {"CellGroupWritesItsCellsNotItsState",
+     R"nb(Cell[CellGroupData[{Cell["A", "Section"], Cell["b", "Text"]}, Closed]])nb", "A\n\nb\n\n",
+     "\n<div class=\"Section\">A</div>\n<div class=\"Text\">b</div>"},
+    {"BoxGroupInsideAString", R"nb(Cell["x \!\(a\^2\) y", "Text"])nb", "x a^2 y\n\n",
+     "\n<div class=\"Text\">x a<sup>2</sup> y</div>"},
+    {"Scripts", R"nb(Cell[BoxData[RowBox[{SuperscriptBox["x", "2"], "+", SubscriptBox["y", "i"]}]], "Output"])nb",
+     "x^2 + yi\n\n", "\n<div class=\"Output\">x<sup>2</sup> + y<sub>i</sub></div>"},
+    {"NamedCharacters",
+     R"nb(Cell["\[Alpha] \[Rule] \[Pi] \[Infinity] caf\[EAcute] \:4e2d x\[InvisibleSpace]y", "Text"])nb",
+     "\\[Alpha] -> Pi \u221E caf\u00E9 \u4E2D xy\n\n",
+     "\n<div class=\"Text\">\u03B1 -&gt; Pi \u221E caf\u00E9 \u4E2D xy</div>"},
+    {"QuotesOnlyWhereStringCharactersShow",
+     R"nb(Cell[BoxData[RowBox[{StyleBox["\"q\"", ShowStringCharacters->False], StyleBox["\"r\"", ShowStringCharacters->True], CheckboxBox[True], "\"s\""}]], "Output"])nb",
+     "q\"r\" [X] s\n\n",
+     "\n<div class=\"Output\"><span style=\"\">q</span><span style=\"\">&quot;r&quot;</span>"
+     "<input type=\"checkbox\" checked=\"1\"/>s</div>"},
+    {"CheckboxStates",
+     R"nb(Cell[BoxData[RowBox[{CheckboxBox[True], CheckboxBox[False], CheckboxBox[Dynamic[x]], CheckboxBox[]}]], "Output"])nb",
+     " [X]  [ ]  [-]  [-]\n\n",
+     "\n<div class=\"Output\"><input type=\"checkbox\" checked=\"1\"/><input type=\"checkbox\"/>"
+     "<input type=\"checkbox\" checked=\"1\"/><input type=\"checkbox\" checked=\"1\"/></div>"},
+    {"RadioButtonsCompareValueAndCurrent",
+     R"nb(Cell[BoxData[RowBox[{RadioButtonBox[1, {1}], "one", RadioButtonBox[1, {2}], "two"}]], "Output"])nb",
+     " (*) one ( ) two\n\n",
+     "\n<div class=\"Output\"><input type=\"radio\" checked=\"1\"/>one<input type=\"radio\"/>two</div>"},
+    {"PopupMenuMarksTheChosenItem",
+     R"nb(Cell[BoxData[PopupMenuBox["b", {"a" -> "\"A\"", "b" -> "\"B\"", "c" -> "\"C&D\""}]], "Output"])nb",
+     "\t  A\n\t* B\n\t  C&D\n\n",
+     "\n<div class=\"Output\"><select><option>A</option><option selected=\"selected\">B</option>"
+     "<option>C&amp;D</option></select></div>"},
+    {"ActionMenuShowsLabelAndItems",
+     R"nb(Cell[BoxData[ActionMenuBox["\"T\"", {"\"A\"" :> f[], "\"B\"" :> g[], h}]], "Output"])nb", "T\n\tA\n\tB\n\n",
+     "\n<div class=\"Output\"><select><option selected=\"selected\">T</option><option>A</option><option>B</option>"
+     "</select></div>"},
+    {"SetterLabelIsRenderedThenEscaped",
+     R"nb(Cell[BoxData[RowBox[{SetterBox[Dynamic[x], {1}, StyleBox["\"one\"", FontWeight->"Bold"]], SetterBox[Dynamic[x], "\"a<b\""], SetterBox[Dynamic[x]]}]], "Output"])nb",
+     "onea<b\n\n",
+     "\n<div class=\"Output\"><input type=\"button\" value=\"&lt;span style=&quot;font-weight:bold;&quot;&gt;one"
+     "&lt;/span&gt;\"/><input type=\"button\" value=\"a&lt;b\"/><input type=\"button\" value=\"\"/></div>"},
+    {"TabViewShowsTheSelectedPane",
+     R"nb(Cell[BoxData[TabViewBox[{{1, "\"P\"" -> "pages"}, {2, "\"Q\"" -> "quires"}}, 2]], "Output"])nb",
+     "P\npages\nQ\nquires\n\n",
+     "\n<div class=\"Output\">\n<table bgcolor=\"#EEEEEE\" style=\"border:1px solid;\"><tr>\n"
+     "<td style=\"border:1px solid;\">P</td>\n<td style=\"border:1px solid;\" bgcolor=\"#7799FF\">Q</td>\n"
+     "</tr><tr><td style=\"border:1px solid;\" colspan=\"2\">\nquires\n</td></tr></table>\n</div>"},
+    {"PanelShowsItsContents", R"nb(Cell[BoxData[RowBox[{PanelBox["in"], PanelBox[]}]], "Output"])nb", "in\n\n",
+     "\n<div class=\"Output\"><table bgcolor=\"#EEEEEE\" style=\"display:inline;border:1px solid;margin:2px;"
+     "padding:4px;\"><tr><td>in</td></tr></table></div>"},
+    {"InputFieldsWithTextEmptyAndDynamic",
+     R"nb(Cell[BoxData[RowBox[{InputFieldBox["\"a<b\"", String], InputFieldBox["\"\"", String], InputFieldBox[Dynamic[n]], InputFieldBox[Dynamic[name], String]}]], "Output"])nb",
+     "|__a<b__||________||__n__||__name__|\n\n",
+     "\n<div class=\"Output\"><input type=\"text\" value=\"a&lt;b\"/><input type=\"text\" value=\"\"/>"
+     "<input type=\"text\" value=\"n\"/><input type=\"text\" value=\"name\"/></div>"},
+    // Graphics show only their labels in the text, a placeholder of the
+    // default size on the page.
+    {"GraphicsShowOnlyTheirLabels",
+     R"nb(Cell[BoxData[GraphicsBox[{LineBox[{{0, 0}, {1, 1}}], Text["hidden"]}, AxesLabel->{"t", None}, PlotLabel->FormBox["Orbit", TraditionalForm], FrameLabel->{{None, None}, {None, None}}]], "Output"])nb",
+     "t\nOrbit\n\n",
+     "\n<div class=\"Output\"><table width=\"320\" height=\"240\" bgcolor=\"#EEEEEE\" border=\"1\"><tr>"
+     "<td align=\"center\">-Graphics-</td></tr></table></div>"},
+    {"HyperlinkEscapesURLAndLabel",
+     R"nb(Cell[TextData[ButtonBox["Q&A", BaseStyle->"Hyperlink", ButtonData->{URL["http://x.example/?a=1&b='2'"], None}]], "Text"])nb",
+     "Q&A <http://x.example/?a=1&b='2'>\n\n",
+     "\n<div class=\"Text\"><a href=\"http://x.example/?a=1&amp;b=&apos;2&apos;\">Q&amp;A</a></div>"},
+    {"HyperlinkFromStyleAndStringData",
+     R"nb(Cell[TextData[{ButtonBox["doc", ButtonStyle->"Hyperlink", ButtonData->"http://d.example/"], ButtonBox["none", BaseStyle->"Hyperlink"], ButtonBox[StyleBox["ref", FontWeight->"Bold"], BaseStyle->"Link"]}], "Text"])nb",
+     "doc <http://d.example/>none <>ref\n\n",
+     "\n<div class=\"Text\"><a href=\"http://d.example/\">doc</a><a href=\"\">none</a>"
+     "<input type=\"button\" value=\"ref\"/></div>"},
 };
 
 class ReadableTextTest : public testing::TestWithParam<Golden> {};

@@ -29,14 +29,16 @@ int Record(uint32_t theLevel, const String* theSource, const SourceRange* theRan
   return 0;
 }
 
-/// +1. The parse of theText, reports going to sReports.
-Expr* ParseText(const std::string& theText) {
+/// A parser of theText whose reports go to sReports, emptied for it.
+Ref<ExprParser> ParserOf(const std::string& theText) {
   sReports.clear();
-  auto reader = adopt<Reader>(new StringReader(adopt(new String(theText.c_str())).get()));
-  auto parser = adopt(new ExprParser(reader.get()));
+  auto parser = adopt(new ExprParser(adopt<Reader>(new StringReader(adopt(new String(theText.c_str())).get())).get()));
   parser->setErrorHandler(Record);
-  return parser->parse();
+  return parser;
 }
+
+/// +1. The parse of theText, reports going to sReports.
+Expr* ParseText(const std::string& theText) { return ParserOf(theText)->parse(); }
 
 /// The full form of the parse, or "(null)".
 std::string Parse(const std::string& theText) {
@@ -230,10 +232,7 @@ TEST_F(ExprParserTest, FailedBoxGroupInAStringIsAWarningAndStaysText) {
 }
 
 TEST_F(ExprParserTest, SubExpressionWithoutSourceTextGivesSyntaxErrorSymbol) {
-  auto reader = adopt<Reader>(new StringReader(adopt(new String("")).get()));
-  auto parser = adopt(new ExprParser(reader.get()));
-  parser->setErrorHandler(Record);
-  sReports.clear();
+  auto parser = ParserOf("");
   SourceRange range;
   ParseValue value;
   EXPECT_FALSE(parser->parseSubExpression(adopt(new String("\\(a\\")).get(), range, false, &value));
@@ -329,17 +328,13 @@ TEST_F(ExprParserTest, TheFirstErrorIsKeptAndOnlySubParseWarningsAreReported) {
   };
   // Only white space and comments give Null, as "Null" itself does.
   for (const char* text : {"", " \n(* a *)\t", "Null"}) {
-    auto reader = adopt<Reader>(new StringReader(adopt(new String(text)).get()));
-    auto parser = adopt(new ExprParser(reader.get()));
+    auto parser = ParserOf(text);
     EXPECT_EQ(FullForm(adopt(parser->parse()).get()), "Null");
     EXPECT_EQ(parser->wasBlank(), text[0] != 'N') << text;
   }
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text.substr(0, 16));
-    sReports.clear();
-    auto reader = adopt<Reader>(new StringReader(adopt(new String(c.text.c_str())).get()));
-    auto parser = adopt(new ExprParser(reader.get()));
-    parser->setErrorHandler(Record);
+    auto parser = ParserOf(c.text);
     parser->setReportsErrors(false);
     auto e = adopt(parser->parse());
     EXPECT_EQ(e.get() != nullptr, c.failure == Failure::kNone);

@@ -139,10 +139,25 @@ def category_sources(source):
     return pieces
 
 
+def corpus_notebooks(corpus):
+    """The notebooks of the corpus's manifest that are not of the ancient era, sorted."""
+    with open(os.path.join(corpus, "MANIFEST.tsv"), encoding="utf-8") as f:
+        rows = [line.rstrip("\n").split("\t") for line in f]
+    era = rows[0].index("era")
+    return sorted(r[0] for r in rows[1:] if len(r) > era and r[era] != "ancient")
+
+
 def convert(nbtext, path, *options):
     run = subprocess.run([nbtext, *options, path], stdout=subprocess.PIPE,
                          stderr=subprocess.DEVNULL)
     return run.returncode, run.stdout.decode("utf-8", "replace")
+
+
+def parsed(parser, page):
+    """The parser after it has read the whole page."""
+    parser.feed(page)
+    parser.close()
+    return parser
 
 
 def convert_pieces(nbtext, work, pieces):
@@ -199,25 +214,18 @@ class PageHead(html.parser.HTMLParser):
 
 
 def page_head(page):
-    parser = PageHead()
-    parser.feed(page[:page.find("</head>")])
-    parser.close()
+    parser = parsed(PageHead(), page[:page.find("</head>")])
     return parser.title, parser.author
 
 
 def visible_text(page):
-    parser = VisibleText()
-    parser.feed(page)
-    parser.close()
-    return "".join(parser.parts)
+    return "".join(parsed(VisibleText(), page).parts)
 
 
 #===--- prepare -------------------------------------------------------------===#
 
 def prepare(nbtext, corpus, work):
-    with open(os.path.join(corpus, "MANIFEST.tsv"), encoding="utf-8") as f:
-        rows = [line.rstrip("\n").split("\t") for line in f][1:]
-    names = sorted(r[0] for r in rows if len(r) > 2 and r[2] != "ancient")
+    names = corpus_notebooks(corpus)
     docs = os.path.join(work, "docs")
     for sub in ("docs", "text", "html"):
         os.makedirs(os.path.join(work, sub), exist_ok=True)

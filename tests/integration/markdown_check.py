@@ -41,6 +41,8 @@ import sys
 import unicodedata
 import unittest
 
+from corpus_words import convert, corpus_notebooks, parsed
+
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 NAMED_CHARACTERS = os.path.join(ROOT, "..", "shared", "named-characters.tsv")
 CMARK = ["cmark-gfm", "--extension", "table", "--extension", "autolink",
@@ -170,10 +172,7 @@ class Rendering(html.parser.HTMLParser):
 
 
 def parse_rendering(page):
-    parser = Rendering()
-    parser.feed(page)
-    parser.close()
-    return parser
+    return parsed(Rendering(), page)
 
 
 def raw_html_pieces(markdown):
@@ -227,10 +226,7 @@ class Outline(html.parser.HTMLParser):
 
 
 def outline(page):
-    parser = Outline()
-    parser.feed(page)
-    parser.close()
-    return parser.cells
+    return parsed(Outline(), page).cells
 
 
 def compare_headings(words, cells, headings):
@@ -253,11 +249,6 @@ def compare_headings(words, cells, headings):
 
 
 #===--- One notebook --------------------------------------------------------===#
-
-def convert(nbtext, path, *options):
-    run = subprocess.run([nbtext, *options, path], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-    return run.returncode, run.stdout.decode("utf-8", "replace")
-
 
 def check_notebook(nbtext, words, path):
     """A dict of the measures of one notebook, its faults among them."""
@@ -309,13 +300,6 @@ def show_details(name, result, limit=40):
 
 
 #===--- The corpus ----------------------------------------------------------===#
-
-def corpus_notebooks(corpus):
-    with open(os.path.join(corpus, "MANIFEST.tsv"), encoding="utf-8") as f:
-        rows = [line.rstrip("\n").split("\t") for line in f]
-    era = rows[0].index("era")
-    return sorted(r[0] for r in rows[1:] if len(r) > era and r[era] != "ancient")
-
 
 def matches(name, wanted):
     return name == wanted or name.split("-", 1)[0] == wanted

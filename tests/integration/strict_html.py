@@ -19,7 +19,7 @@ import subprocess
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from corpus_words import scan  # noqa: E402
+from corpus_words import corpus_notebooks, scan  # noqa: E402
 
 SKIPPED = 77
 # A few notebooks whose titles a person has read: one from a Title cell
@@ -72,8 +72,7 @@ def expected_title(root, source):
 
 
 def main(corpus, command):
-    manifest = os.path.join(corpus, "MANIFEST.tsv")
-    if not os.path.isfile(manifest):
+    if not os.path.isfile(os.path.join(corpus, "MANIFEST.tsv")):
         print("SKIPPED: no corpus at %s" % corpus)
         return SKIPPED
     try:
@@ -81,9 +80,7 @@ def main(corpus, command):
     except ImportError:
         print("FAILED: %s has no html5lib; scripts/ensure-tools.sh native installs it" % sys.executable)
         return 1
-    with open(manifest, encoding="utf-8") as f:
-        rows = [line.rstrip("\n").split("\t") for line in f][1:]
-    names = sorted(r[0] for r in rows if len(r) > 2 and r[2] != "ancient")
+    names = corpus_notebooks(corpus)
 
     faults, parsed, sources = [], 0, collections.Counter()
     for name in names:

@@ -197,13 +197,6 @@ TEST_F(StringEncodingTest, HTMLEscapesMarkupAndFoldsCRLF) {
     EXPECT_EQ(Encode(html.get(), c.text), Hex(adopt(new Data(c.expected, ZnIndex(strlen(c.expected)))).get()))
         << c.expected;
   }
-  // Bytes are characters as units are: a string kept one byte a unit
-  // writes what its wide form writes.
-  auto ascii = adopt(StringEncodingWithID(6));
-  auto html = adopt(new HTMLEncoding(ascii.get()));
-  auto data = adopt(new MutableData());
-  EXPECT_EQ(html->encodeBytes(reinterpret_cast<const uint8_t*>("<\xE9"), 2, data.get(), true), 2);
-  EXPECT_EQ(Hex(data.get()), "26 6C 74 3B 26 23 30 30 65 39 3B");
 }
 
 TEST_F(StringEncodingTest, StrictASCIIStopsInFrontOfWideUnit) {

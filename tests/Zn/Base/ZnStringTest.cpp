@@ -46,17 +46,14 @@ TEST_F(StringTest, FormatConversions) {
   EXPECT_EQ(Format("%s-%d-%x-%X-%o-%u", "ab", -7, 255, 255, 8, 3u), "ab--7-ff-FF-10-3");
   EXPECT_EQ(Format("%lld %zu %*d", 1LL << 40, size_t(9), 4, 7), "1099511627776 9    7");
   EXPECT_EQ(Format("%e", 12500.0), "1.250000e+04");
+  // A format built at run time has its backslash escapes resolved too.
+  std::string escapes = "a\\tb\\n\\\\\\'\\101\\a";
+  EXPECT_EQ(Format(escapes.c_str()), std::string("a\tb\n\\'A\a"));
   // %c appends one code unit, not its UTF-8 bytes.
   auto smile = adopt(new MutableString());
   smile->appendFormat("%c", 0x263A);
   ASSERT_EQ(smile->length(), 1);
   EXPECT_EQ(smile->characterAtIndex(0), 0x263A);
-}
-
-TEST_F(StringTest, FormatResolvesBackslashEscapesInTheFormatItself) {
-  // The format text is built at run time: the escapes are still resolved.
-  std::string format = "a\\tb\\n\\\\\\'\\101\\a";
-  EXPECT_EQ(Format(format.c_str()), std::string("a\tb\n\\'A\a"));
 }
 
 TEST_F(StringTest, CompareIsLowByteFirstAndLengthBreaksTies) {
