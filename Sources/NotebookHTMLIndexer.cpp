@@ -116,7 +116,11 @@ ZnUnichar spanCharacterAt(const Expr* theRow, ZnIndex theColumn) {
 
 NotebookHTMLIndexer::NotebookHTMLIndexer(Zn::Stream* theStream, Zn::StringEncoding* theEncoding)
     : NotebookTextIndexer(theStream), htmlEncoding_(adopt(new Zn::HTMLEncoding(theEncoding))) {
-  writer_ = adopt<Zn::Writer>(new Zn::StreamWriter(theStream, htmlEncoding_.get()));
+  // A page is thousands of small pieces of markup and text, each encoded
+  // on its own: they reach the stream in writes of 64 KB instead.
+  page_ = adopt(new Zn::StreamWriter(theStream, htmlEncoding_.get()));
+  page_->holdBytes(64 * 1024);
+  writer_ = Zn::retained<Zn::Writer>(page_.get());
   characterEncoding_ = adopt(new Zn::Kx::Encoding(Zn::Kx::Encoding::kHTMLFlags));
   textRenderer_ = adopt(NotebookTextIndexer::createLabelRenderer(characterEncoding_.get()));
 }
@@ -249,7 +253,10 @@ void NotebookHTMLIndexer::writeMetaElement(Zn::Writer* theWriter, const char* th
   writeMarkup(theWriter, "\">\n");
 }
 
-void NotebookHTMLIndexer::endDocument(Expr*) { writeMarkup(writer_.get(), "\n</form>\n</body>\n</html>\n"); }
+void NotebookHTMLIndexer::endDocument(Expr*) {
+  writeMarkup(writer_.get(), "\n</form>\n</body>\n</html>\n");
+  page_->flush();
+}
 
 void NotebookHTMLIndexer::beginCell(Expr* theCell, const IndexContext& theContext) {
   auto style = adopt(new Zn::MutableString());

@@ -4,6 +4,7 @@
 
 namespace Zn {
 class HTMLEncoding;
+class StreamWriter;
 class StringEncoding;
 } // namespace Zn
 
@@ -80,6 +81,9 @@ private:
   void writeStyleOption(Zn::Kx::Expr* theName, Zn::Kx::Expr* theValue, const IndexContext& theContext);
 
   Zn::Ref<Zn::HTMLEncoding> htmlEncoding_;
+  /// The writer of the page (also writer_), which holds its bytes back
+  /// until they fill a large write or the page ends.
+  Zn::Ref<Zn::StreamWriter> page_;
   /// The last StyleDefinitions value of the document, "Default.nb" at first.
   Zn::Ref<Zn::Object> styleDefinitions_;
   /// The plain-text renderer behind stringForBox, kept for the whole run.

@@ -20,11 +20,12 @@ struct FaultRun {
   std::string err;
 };
 
-// Runs nbtext on theFile, twice, inside theShape, a shell command in which "NBTEXT"
+// Runs nbtext with theMode on theFile, twice, inside theShape, a shell command in which "NBTEXT"
 // stands for the converter's command and that leaves its exit status in the
 // file "status" and its standard error in "err".
-FaultRun RunShape(const TempDir& theDir, const std::string& theFile, std::string theShape) {
-  std::string nbtext = std::string(NBTEXT_EMULATOR) + " '" + NBTEXT_BINARY + "' '" + theFile + "' '" + theFile + "' 2>'" +
+FaultRun RunShape(const TempDir& theDir, const char* theMode, const std::string& theFile, std::string theShape) {
+  std::string nbtext = std::string(NBTEXT_EMULATOR) + " '" + NBTEXT_BINARY + "' " + theMode + " '" + theFile + "' '" +
+                       theFile + "' 2>'" +
                        theDir.path() + "/err'; echo $? >'" + theDir.path() + "/status'";
   theShape.replace(theShape.find("NBTEXT"), 6, nbtext);
   int ignored = std::system(("unset ZNLOGFILE; " + theShape).c_str());
@@ -45,11 +46,18 @@ TEST(NbtextOutputFaultTest, EveryWriteFaultIsARefusal) {
       {"{ NBTEXT; } >/dev/full", "No space left on device"},
   };
   const std::string announced = "Converting " + file + "\n";
-  for (const auto& fault : faults) {
-    FaultRun run = RunShape(dir, file, fault.shape);
-    EXPECT_EQ(run.status, "255") << fault.shape << ": " << run.err;
-    const std::string refused = "could not index file " + file + ": writing the output failed: " + fault.reason + "\n";
-    EXPECT_EQ(run.err, announced + refused + announced + refused) << fault.shape;
+  // The page is held back in large pieces: a fault shows all the same.
+  for (const char* mode : {"", "-html"}) {
+    for (const auto& fault : faults) {
+      FaultRun run = RunShape(dir, mode, file, fault.shape);
+      EXPECT_EQ(run.status, "255") << mode << " " << fault.shape << ": " << run.err;
+      const std::string refused = "could not index file " + file + ": writing the output failed: " + fault.reason + "\n";
+      EXPECT_EQ(run.err, announced + refused + announced + refused) << mode << " " << fault.shape;
+    }
+    // A page smaller than what is held back goes out when it ends, in time
+    // to be refused.
+    std::string small = dir.write("small.nb", "Notebook[{Cell[\"z\", \"Text\"]}]");
+    EXPECT_EQ(RunShape(dir, mode, small, "{ NBTEXT; } >/dev/full").status, "255") << mode;
   }
 }
 } // namespace

@@ -284,32 +284,42 @@ StreamWriter::StreamWriter(Stream* theStream, StringEncoding* theEncoding) {
   byteBuffer_ = adopt(new MutableData(0));
 }
 
-StreamWriter::~StreamWriter() = default;
+StreamWriter::~StreamWriter() { flush(); }
 
-bool StreamWriter::atStart() const { return stream_->getPosition() == 0; }
+bool StreamWriter::atStart() const { return stream_->getPosition() == 0 && byteBuffer_->getLength() == 0; }
 
-bool StreamWriter::writeEncoded(ZnIndex theConsumed, ZnIndex theCount) {
-  if (theConsumed != theCount)
-    return false;
+bool StreamWriter::flush() {
   ZnIndex length = byteBuffer_->getLength();
+  if (length == 0)
+    return true;
   ZnIndex written = stream_->write(byteBuffer_->getBytesPtr(), length);
   if (written > 0)
     stream_->addToWriteCount(written);
+  byteBuffer_->setLength(0);
   return written == length;
 }
 
+bool StreamWriter::writeEncoded(ZnIndex theHeld, ZnIndex theConsumed, ZnIndex theCount) {
+  if (theConsumed != theCount) {
+    // What this write encoded goes nowhere; what was held before stays.
+    byteBuffer_->setLength(theHeld);
+    return false;
+  }
+  return byteBuffer_->getLength() < holdSize_ || flush();
+}
+
 bool StreamWriter::writeCharacters(const ZnUnichar* theCharacters, int theCount) {
-  byteBuffer_->setLength(0);
+  const ZnIndex held = byteBuffer_->getLength();
   ZnIndex consumed = encoding_->encodeCharacters(theCharacters, theCount, byteBuffer_.get(), atStart());
-  return writeEncoded(consumed, theCount);
+  return writeEncoded(held, consumed, theCount);
 }
 
 bool StreamWriter::writeCharacter(ZnUnichar theCharacter) { return writeCharacters(&theCharacter, 1); }
 
 bool StreamWriter::writeBytes(const uint8_t* theBytes, int theCount) {
-  byteBuffer_->setLength(0);
+  const ZnIndex held = byteBuffer_->getLength();
   ZnIndex consumed = encoding_->encodeBytes(theBytes, theCount, byteBuffer_.get(), atStart());
-  return writeEncoded(consumed, theCount);
+  return writeEncoded(held, consumed, theCount);
 }
 
 bool StreamWriter::writeIndentation() {

@@ -129,6 +129,15 @@ public:
   Stream* getStream() const { return stream_.get(); }
   StringEncoding* getEncoding() const { return encoding_.get(); }
 
+  /// Holds the encoded bytes back until theSize of them wait (0, the
+  /// default: each write goes to the stream at once), so that text written
+  /// in many small pieces reaches the stream in large writes. A write that
+  /// the stream refuses then shows in flush's result or the stream's error.
+  void holdBytes(ZnIndex theSize) { holdSize_ = theSize; }
+  /// Writes the bytes held back; false when the stream took fewer. The
+  /// writer's end flushes as well.
+  bool flush();
+
   /// The TABs of one line go out in one write.
   bool writeIndentation() override;
   bool writeCharacter(ZnUnichar theCharacter) override;
@@ -141,15 +150,18 @@ protected:
   ~StreamWriter() override;
 
 private:
-  /// Writes the encoded bytes; false unless the encoder took everything and
-  /// the stream accepted every byte.
-  bool writeEncoded(ZnIndex theConsumed, ZnIndex theCount);
-  /// True while nothing was written to the stream, where a mark may go.
+  /// Ends a write that found theHeld bytes waiting: false unless the
+  /// encoder took everything (else its bytes are dropped) and, when the
+  /// bytes go out now, the stream accepted every one.
+  bool writeEncoded(ZnIndex theHeld, ZnIndex theConsumed, ZnIndex theCount);
+  /// True while nothing was written or held, where a mark may go.
   bool atStart() const;
 
   Ref<Stream> stream_;
   Ref<StringEncoding> encoding_;
+  /// The encoded bytes on their way to the stream.
   Ref<MutableData> byteBuffer_;
+  ZnIndex holdSize_ = 0;
 };
 
 /// Hands every write to each of its writers, the last added first. All of

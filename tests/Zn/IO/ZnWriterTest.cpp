@@ -127,6 +127,30 @@ TEST_F(WriterTest, StreamWriterEncodesAndMarksOnlyTheStart) {
   EXPECT_FALSE(strict->putCharacter(0x263A));
 }
 
+TEST_F(WriterTest, StreamWriterHoldingBytesWritesTheSameInLargePieces) {
+  auto data = adopt(new MutableData());
+  auto stream = adopt(Data::createWriteStream(data.get()));
+  auto writer = adopt(new StreamWriter(stream.get(), adopt(StringEncodingWithID(4)).get()));
+  writer->holdBytes(8);
+  EXPECT_TRUE(writer->putCharacter(0xE9));
+  EXPECT_TRUE(writer->putBytes("ab"));
+  // Held: the mark still goes only before the first character.
+  EXPECT_EQ(Bytes(data.get()), "");
+  EXPECT_TRUE(writer->putBytes("cd"));
+  EXPECT_EQ(Bytes(data.get()), "\xEF\xBB\xBF\xC3\xA9" "abcd");
+  // A write the encoder refuses drops its own bytes, not those held.
+  auto strict = adopt(new StreamWriter(stream.get(), adopt(StringEncodingWithID(6)).get()));
+  strict->holdBytes(8);
+  EXPECT_TRUE(strict->putBytes("x"));
+  const ZnUnichar refused[] = {'y', 0x263A};
+  EXPECT_FALSE(strict->writeCharacters(refused, 2));
+  EXPECT_TRUE(strict->flush());
+  EXPECT_TRUE(writer->putBytes("e"));
+  writer = Ref<StreamWriter>();
+  EXPECT_EQ(Bytes(data.get()), "\xEF\xBB\xBF\xC3\xA9" "abcdxe");
+  EXPECT_EQ(stream->getWriteCount(), 11);
+}
+
 // A string kept one byte a unit goes out through the byte path of the
 // encoders: each must write what the 16-bit form of the same text writes.
 TEST_F(WriterTest, BothFormsOfAStringEncodeAlike) {
