@@ -18,6 +18,9 @@ function(nbtext_profile_guided)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/Sources/*)
   file(GLOB training CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/samples/*.nb ${CMAKE_SOURCE_DIR}/samples/training/*.nb
        ${CMAKE_SOURCE_DIR}/fuzz/seeds/notebooks/*.nb)
+  # The training run reads the same list.
+  file(MAKE_DIRECTORY ${dir})
+  file(WRITE ${dir}/notebooks.txt "${training}")
   string(TOUPPER "${CMAKE_BUILD_TYPE}" config)
   # A build run from a custom command gets no share of make's job slots: it
   # takes its own, as many as the machine has cores.
@@ -39,7 +42,7 @@ function(nbtext_profile_guided)
     COMMAND ${CMAKE_COMMAND} -E env --unset=MAKEFLAGS ${CMAKE_COMMAND} --build ${dir}/train --target nbtext
             --parallel ${jobs}
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${dir}/counts
-    COMMAND ${CMAKE_COMMAND} -DNBTEXT=${dir}/train/nbtext -DSOURCE_DIR=${CMAKE_SOURCE_DIR}
+    COMMAND ${CMAKE_COMMAND} -DNBTEXT=${dir}/train/nbtext -DNOTEBOOKS=${dir}/notebooks.txt
             -P ${CMAKE_SOURCE_DIR}/cmake/ProfileTraining.cmake
     COMMAND ${CMAKE_COMMAND} -E touch ${dir}/profile.stamp
     DEPENDS ${sources} ${training} ${CMAKE_SOURCE_DIR}/cmake/ProfileTraining.cmake

@@ -61,8 +61,10 @@ template <class CharT> bool TidyWriter::tidy(const CharT* theCharacters, int the
       else
         text_->appendCString(reinterpret_cast<const char*>(theCharacters + start), textEnd - start);
     }
-    for (int i = textEnd; i < end; ++i)
-      heldBlanks_->appendCharacter(ZnUnichar(theCharacters[i]));
+    if constexpr (sizeof(CharT) == sizeof(ZnUnichar))
+      heldBlanks_->appendCharacters(theCharacters + textEnd, end - textEnd);
+    else
+      heldBlanks_->appendCString(reinterpret_cast<const char*>(theCharacters + textEnd), end - textEnd);
     if (end == theCount)
       break;
     heldBlanks_->setLength(0);
